@@ -1,0 +1,43 @@
+#pragma once
+
+#include "LYRSysTSMetaClassImpl.h"
+#include "LYRSysTSTypeOfClass.h"
+
+#include <cstdint>
+
+/// The meta-object of an extension: a class that implements interfaces for objects of other
+/// classes, which it lists by name.
+class LYR_EXPORT LYRSysTSMetaClassExt : public LYRSysTSMetaClassImpl {
+public:
+    /// As LYRSysTSMetaClassBase; `type` says how instances live and is not checked.
+    LYRSysTSMetaClassExt(const GUID* clsid, const char* name, LYRSysTSMetaClass* base,
+                         LYRSysTSTypeOfClass type);
+    ~LYRSysTSMetaClassExt() override;
+
+    LYRSysTSMetaClassExt* CastToMetaExtension() override;
+
+    /// How instances of the extension live: the type that the constructor was given.
+    LYRSysTSTypeOfClass GetExtensionType();
+
+    /// Adds a class name to the list, once. Null, and a lack of memory, change nothing.
+    void SetExtensionOf(const char* className);
+
+    /// Whether this very address, an interned name, is on the list.
+    bool _IsExtensionOf(const char* internedName);
+
+    /// Whether the class that `meta` describes is on the list. Its bases do not count.
+    bool IsExtensionOf(const LYRSysTSMetaClass* meta);
+
+    /// SetExtensionOf on `meta` when it is an extension's; otherwise nothing. Both may be null.
+    static void AddExtendedComponent(LYRSysTSMetaClass* meta, const char* className);
+
+private:
+    LYR_LOCAL bool _HasRoom() LYR_REQUIRES(_extMutex);
+    LYR_LOCAL bool _Lists(const char* internedName) const LYR_REQUIRES(_extMutex);
+
+    const char** _extendedClasses LYR_GUARDED_BY(_extMutex);
+    std::int32_t _extendedCount LYR_GUARDED_BY(_extMutex);
+    std::int32_t _extendedCapacity LYR_GUARDED_BY(_extMutex);
+    LYRSysTSTypeOfClass _typeOfClass;
+    LYRSmartMutex _extMutex;
+};

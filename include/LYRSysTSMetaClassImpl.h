@@ -1,0 +1,53 @@
+#pragma once
+
+#include "LYRSysTSMetaClassBase.h"
+
+#include <cstdint>
+
+/// One remembered answer: the interned id of an interface and its factory.
+struct FactoryEntry {
+    const GUID* interfaceId;
+    LYRSysTSInterfaceFactory factory;
+};
+
+/// The factory that a table remembers for an interface that nobody implements. Always null.
+LYR_EXPORT IUnknown* _LYRSysTSNoSuchInterface(LYRSysTSBaseUnknown* object,
+                                              unsigned char threadSafe);
+
+/// The order of two FactoryEntry by the ids that they point at, each id as four unsigned 32-bit
+/// little-endian words: -1, 0 or 1; -1 when an argument is null. Fit for qsort and bsearch.
+LYR_EXPORT int LYRSysTSCompare(const void* a, const void* b);
+
+/// The meta-object of a class whose interfaces are built by factories. It remembers every answer,
+/// found or absent, in a sorted table.
+class LYR_EXPORT LYRSysTSMetaClassImpl : public LYRSysTSMetaClassBase {
+public:
+    /// As LYRSysTSMetaClassBase.
+    LYRSysTSMetaClassImpl(const GUID* clsid, const char* name, LYRSysTSMetaClass* base);
+    ~LYRSysTSMetaClassImpl() override;
+
+    /// Looks in the table, then in the dictionary and the library that it names, then asks the
+    /// base class, and remembers the answer. A search that runs out of memory answers null and is
+    /// not remembered.
+    LYRSysTSInterfaceFactory QueryDerivationInterfaceFactory(const GUID& iid) override;
+
+    /// What the table remembers for `iid`, _LYRSysTSNoSuchInterface included; null for nothing.
+    LYRSysTSInterfaceFactory _GetInterfaceFactory(const GUID& iid);
+
+    /// Remembers `factory` for `iid`. Always 1. Nothing is remembered for a null factory, in a
+    /// class without an id, in a table of 65,532 entries, and when memory is out.
+    int _AddInterfaceFactory(const GUID& iid, LYRSysTSInterfaceFactory factory);
+
+    /// Searches the dictionary alone, by ids and then by names, loading the library of an
+    /// extension that is still missing. A factory that an entry point supplied is recorded in the
+    /// dictionary. Null when nothing is found; no lock is held while a library loads.
+    LYRSysTSInterfaceFactory _QueryFromDictionary(const GUID& iid) const;
+
+private:
+    LYR_LOCAL LYRSysTSInterfaceFactory _Find(const GUID& iid) const LYR_REQUIRES(_mutex);
+    LYR_LOCAL bool _HasRoom() LYR_REQUIRES(_mutex);
+
+    FactoryEntry* _factoryTable LYR_GUARDED_BY(_mutex);
+    std::uint16_t _factoryCount LYR_GUARDED_BY(_mutex);
+    std::uint16_t _factoryCapacity LYR_GUARDED_BY(_mutex);
+};

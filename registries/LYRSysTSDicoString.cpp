@@ -1,0 +1,115 @@
+#include "LYRSysTSDicoString.h"
+
+#include "support/ByteSum.h"
+#include "support/Chain.h"
+#include "support/MutexGuard.h"
+#include "support/StartUpOrder.h"
+
+#include <cstdlib>
+#include <cstring>
+#include <memory>
+#include <new>
+#include <string_view>
+
+constinit DicoStringNode* LYRSysTSDicoString::_DicoString[4096] = {};
+constinit std::atomic<bool> LYRSysTSDicoString::_DictionaryCleared = false;
+constinit DicoStringBlock* LYRSysTSDicoString::_HeadBlocStringForDico = nullptr;
+constinit DicoStringBlock* LYRSysTSDicoString::_LastBlocStringForDico = nullptr;
+constinit char* LYRSysTSDicoString::_StringForDicoAvailable = nullptr;
+constinit std::int32_t LYRSysTSDicoString::_SizeStringForDicoAvailable = 0;
+
+constinit LYRSmartMutex* StaticStringMutextToForceInitDuringDllLoading = nullptr;
+
+LYRSmartMutex* GetGlobalStringDicoMutex() {
+    static LYRSmartMutex mutexDicoString(0);
+    return &mutexDicoString;
+}
+
+namespace {
+
+constexpr std::size_t kBlockSize = sizeof(DicoStringBlock::chars);
+
+[[gnu::constructor(lyr::kStartStringMutex)]] void MakeStringMutex() {
+    StaticStringMutextToForceInitDuringDllLoading = GetGlobalStringDicoMutex();
+}
+
+unsigned KeyOf(std::string_view text) {
+    return lyr::WeightedByteSum<unsigned char>(text, 0) & 0xfff;
+}
+
+}  // namespace
+
+const char* LYRSysTSDicoString::AddStringInDico(const char* s) {
+    if (s == nullptr) return nullptr;
+    if (!_DictionaryCleared) _ClearDictionary();
+
+    const std::string_view text(s);
+    if (text.size() >= kBlockSize) return nullptr;
+    const auto length = static_cast<std::int32_t>(text.size());
+    const unsigned key = KeyOf(text);
+
+    const lyr::MutexGuard guard(*GetGlobalStringDicoMutex());
+    // The order of the chain lets the walk stop where the text would stand.
+    int difference = 1;
+    const auto slot = lyr::FindSlot(_DicoString[key], [&](const DicoStringNode& node) {
+        if (node.length != length) return node.length < length;
+        difference = std::strcmp(node.text, s);
+        return difference >= 0;
+    });
+    if (slot.link != nullptr && slot.link->length == length && difference == 0) {
+        return slot.link->text;
+    }
+
+    std::unique_ptr<DicoStringNode> node(new (std::nothrow) DicoStringNode);
+    if (node == nullptr) return nullptr;
+    char* const copy = _TakeRoom(length + 1);
+    if (copy == nullptr) return nullptr;
+    std::memcpy(copy, s, text.size() + 1);
+    *node = {slot.link, copy, length};
+    *slot.place = node.release();
+    return copy;
+}
+
+char* LYRSysTSDicoString::_TakeRoom(std::int32_t size) {
+    if (_SizeStringForDicoAvailable < size) {
+        auto* const block = static_cast<DicoStringBlock*>(std::malloc(sizeof(DicoStringBlock)));
+        if (block == nullptr) return nullptr;
+        block->next = nullptr;
+        _StringForDicoAvailable = block->chars;
+        _SizeStringForDicoAvailable = static_cast<std::int32_t>(kBlockSize);
+        (_LastBlocStringForDico != nullptr ? _LastBlocStringForDico->next
+                                           : _HeadBlocStringForDico) = block;
+        _LastBlocStringForDico = block;
+    }
+    char* const room = _StringForDicoAvailable;
+    _StringForDicoAvailable += size;
+    _SizeStringForDicoAvailable -= size;
+    return room;
+}
+
+int LYRSysTSDicoString::_ComputeStringKey(const char* s, int& length) {
+    const std::string_view text(s);
+    length = static_cast<int>(text.size());
+    return static_cast<int>(KeyOf(text));
+}
+
+void LYRSysTSDicoString::_ClearDictionary() {
+    const lyr::MutexGuard guard(*GetGlobalStringDicoMutex());
+    if (_DictionaryCleared) return;
+    lyr::ClearHeads(_DicoString);
+    _DictionaryCleared = true;
+}
+
+void LYRSysTSDicoString::_FreeDictionary() {
+    const lyr::MutexGuard guard(*GetGlobalStringDicoMutex());
+    for (DicoStringBlock* block = _HeadBlocStringForDico; block != nullptr;) {
+        DicoStringBlock* const next = block->next;
+        std::free(block);
+        block = next;
+    }
+    _HeadBlocStringForDico = nullptr;
+    _LastBlocStringForDico = nullptr;
+    _StringForDicoAvailable = nullptr;
+    _SizeStringForDicoAvailable = 0;
+    lyr::FreeChains(std::span(_DicoString), [](DicoStringNode* node) { delete node; });
+}

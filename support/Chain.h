@@ -1,0 +1,51 @@
+#pragma once
+
+#include "SharedField.h"
+
+#include <cstddef>
+#include <span>
+
+namespace lyr {
+
+/// Where a walk along a bucket's chain ended: the link found there, or null at the chain's end,
+/// and the pointer that leads to it, where a new link is hung.
+template <typename Link>
+struct ChainSlot {
+    Link** place;
+    Link* link;
+};
+
+/// Walks the chain from `head` to the first link for which `stop` holds, or to its end. A thread
+/// may walk while another hangs links at the end with StoreShared.
+template <typename Link, typename Stop>
+ChainSlot<Link> FindSlot(Link*& head, Stop stop) {
+    Link** place = &head;
+    Link* link = LoadShared(*place);
+    while (link != nullptr && !stop(*link)) {
+        place = &link->next;
+        link = LoadShared(*place);
+    }
+    return {place, link};
+}
+
+/// Empties every chain of a table, handing each link to `dispose`, which frees it.
+template <typename Link, std::size_t buckets, typename Dispose>
+void FreeChains(std::span<Link*, buckets> heads, Dispose dispose) {
+    for (Link*& head : heads) {
+        Link* link = LoadShared(head);
+        StoreShared(head, nullptr);
+        while (link != nullptr) {
+            Link* const next = link->next;
+            dispose(link);
+            link = next;
+        }
+    }
+}
+
+/// Makes every chain of a table empty without freeing anything.
+template <typename Link, std::size_t buckets>
+void ClearHeads(Link* (&heads)[buckets]) {
+    for (Link*& head : heads) StoreShared(head, nullptr);
+}
+
+}  // namespace lyr
