@@ -1,0 +1,51 @@
+#pragma once
+
+#include "DictionaryTables.h"
+
+#include <memory>
+
+namespace lyr {
+
+/// One addition to one table of the dictionary. Made before the lock is taken, it goes in two
+/// steps under one hold of it: Prepare does all that can be refused or fail, and changes nothing
+/// that others see; Commit cannot fail. Destroying it between the two leaves everything as it was.
+class Addition {
+public:
+    /// By names and by ids. The arguments must outlive the object; the names and ids that make the
+    /// key are not null, the others may be.
+    Addition(const char* className, const char* interfaceName, const char* sharedLibrary,
+             const char* itfLeaf, const char* extendedBy, LYRSysTSInterfaceFactory creator);
+    Addition(const GUID& clsid, const GUID& iid, LYRSysTSInterfaceFactory creator);
+
+    /// False when the dictionary refuses the addition; throws std::bad_alloc. `info`, which may be
+    /// null, is the record to work on; it may be one that another prepared addition is to make.
+    bool Prepare(LYRSysTSInfoDic* info) LYR_REQUIRES(GetGlobalDicoMutex());
+
+    /// The record that the addition works on; null until it is prepared, and when it was refused.
+    LYRSysTSInfoDic* Record() const { return _record; }
+
+    /// Makes a prepared addition; without one it does nothing.
+    void Commit() LYR_REQUIRES(GetGlobalDicoMutex());
+
+private:
+    ChainSlot<DicEntryLink> FindEntry() const LYR_REQUIRES(GetGlobalDicoMutex());
+    LYRSysTSInfoDic* ChooseRecord(ChainSlot<DicEntryLink> slot, LYRSysTSInfoDic* info);
+    bool ContradictsRecord(const LYRSysTSInfoDic& record) const;
+    bool InternMissing(const LYRSysTSInfoDic& record);
+
+    const int _bucket;
+    LYRSysTSInfoDic _wanted;  // what the addition gives, null where it gives nothing
+    LYRSysTSInfoDic* _record = nullptr;
+    std::unique_ptr<LYRSysTSInfoDic> _newRecord;
+    std::unique_ptr<DicEntryLink> _newLink;
+    DicEntryLink** _place = nullptr;
+};
+
+/// Makes one addition under the lock. Its record; null, and a word on standard error, when it is
+/// refused or memory is out; null without one when the dictionary is closed.
+LYRSysTSInfoDic* Add(Addition& addition, LYRSysTSInfoDic* info);
+
+/// Says on standard error that the dictionary has refused an addition. Called without the lock.
+void SayRefused();
+
+}  // namespace lyr

@@ -1,0 +1,105 @@
+#include "Addition.h"
+#include "DictionaryTables.h"
+#include "LYRSysTSDicoIIDName.h"
+#include "LYRSysTSDictionary.h"
+#include "LYRSysTSKnownIds.h"
+#include "LYRSysTSMetaClass.h"
+#include "PairKey.h"
+#include "support/AddressCast.h"
+#include "support/ByteSum.h"
+#include "support/GuidBytes.h"
+#include "support/MemoryShortage.h"
+#include "support/MutexGuard.h"
+
+#include <new>
+
+namespace {
+
+std::uint32_t IdSum(const GUID* id) {
+    return id != nullptr ? lyr::WeightedByteSum<signed char>(lyr::GuidBytes(*id), 1) : 0;
+}
+
+/// The two halves of a combined addition: by ids, when there is a creator, and by names.
+struct CombinedAddition {
+    lyr::Addition byIds;
+    lyr::Addition byNames;
+    bool idsRefused = false;
+    bool namesRefused = false;
+
+    /// Prepares both halves before either is made: others see a creator only with its library,
+    /// and a lack of memory leaves both tables alone.
+    void Make(LYRSysTSInfoDic* info, bool hasCreator) LYR_REQUIRES(GetGlobalDicoMutex()) {
+        idsRefused = hasCreator && !byIds.Prepare(info);
+        namesRefused = !byNames.Prepare(byIds.Record());
+        byNames.Commit();
+        byIds.Commit();
+    }
+};
+
+}  // namespace
+
+int LYRSysTSDictionary::_ComputeHashKey(const GUID* a, const GUID* b) {
+    return lyr::PairBucket(IdSum(a), IdSum(b));
+}
+
+LYRSysTSInfoDic* LYRSysTSDictionary::AddDictionaryTS(const GUID& clsid, const GUID& iid,
+                                                     LYRSysTSInterfaceFactory creator,
+                                                     LYRSysTSInfoDic* info) {
+    if (creator == nullptr) return nullptr;
+    lyr::Addition addition(clsid, iid, creator);
+    return lyr::Add(addition, info);
+}
+
+LYRSysTSInfoDic* LYRSysTSDictionary::AddDictionaryTS(const GUID* clsid, const GUID* iid,
+                                                     const char* className,
+                                                     const char* interfaceName,
+                                                     const char* sharedLibrary,
+                                                     LYRSysTSInterfaceFactory creator, short load) {
+    if (_DictionaryDeleted) return nullptr;
+    const bool hasIds = clsid != nullptr && iid != nullptr;
+    const bool hasNames = className != nullptr && interfaceName != nullptr;
+    if (!hasNames) return hasIds ? AddDictionaryTS(*clsid, *iid, creator, nullptr) : nullptr;
+    if (!hasIds) {
+        return AddDictionaryTS(className, interfaceName, sharedLibrary, nullptr, nullptr, creator,
+                               nullptr);
+    }
+
+    if (load == 1) EnsureInitDictionary();
+    lyr::DictionaryTables::EnsureCleared();
+    CombinedAddition both{{*clsid, *iid, creator},
+                          {className, interfaceName, sharedLibrary, nullptr, nullptr, creator}};
+    try {
+        const lyr::MutexGuard guard(*GetGlobalDicoMutex());
+        if (_DictionaryDeleted) return nullptr;
+        both.Make(QueryDictionary(className, interfaceName, 0), creator != nullptr);
+    } catch (const std::bad_alloc&) {
+        ++lyr::memoryShortages;
+        both.namesRefused = true;
+    }
+    if (both.idsRefused) lyr::SayRefused();
+    if (both.namesRefused) lyr::SayRefused();
+    return both.namesRefused ? nullptr : both.byNames.Record();
+}
+
+LYRSysTSInfoDic* LYRSysTSDictionary::QueryDictionary(const GUID& clsid, const GUID& iid,
+                                                     short load) {
+    if (_DictionaryDeleted) return nullptr;
+    if (load == 1) EnsureInitDictionary();
+
+    const int bucket = _ComputeHashKey(&clsid, &iid);
+    const lyr::MutexGuard guard(*GetGlobalDicoMutex());
+    if (_DictionaryDeleted) return nullptr;
+    const auto slot = lyr::DictionaryTables::Find(bucket, clsid, iid);
+    return slot.link != nullptr ? slot.link->info : nullptr;
+}
+
+LYRSysTSMetaClass* LYRSysTSDictionary::QueryMetaObject(const GUID& clsid) {
+    const LYRSysTSInfoDic* const entry = QueryDictionary(clsid, CLSID_LYRSysTSMetaClass, 1);
+    return entry != nullptr ? lyr::ToMetaObject(entry->creator) : nullptr;
+}
+
+const char* LYRSysTSDictionary::GetInterfaceName(const GUID& iid) {
+    const LYRSysTSMetaClass* const metaObject = QueryMetaObject(iid);
+    const char* const name = metaObject != nullptr ? metaObject->IsA() : nullptr;
+    return name != nullptr ? name : LYRSysTSDicoIIDName::QueryDicoIIDNameByIID(iid);
+}

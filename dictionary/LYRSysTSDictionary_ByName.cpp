@@ -1,0 +1,49 @@
+#include "Addition.h"
+#include "DictionaryTables.h"
+#include "LYRSysTSDictionary.h"
+#include "PairKey.h"
+#include "support/AddressCast.h"
+#include "support/ByteSum.h"
+#include "support/MutexGuard.h"
+
+#include <string_view>
+
+namespace {
+
+std::uint32_t TextSum(const char* text) {
+    return text != nullptr ? lyr::WeightedByteSum<signed char>(std::string_view(text), 1) : 0;
+}
+
+}  // namespace
+
+int LYRSysTSDictionary::_ComputeHashKey(const char* a, const char* b) {
+    return lyr::PairBucket(TextSum(a), TextSum(b));
+}
+
+LYRSysTSInfoDic* LYRSysTSDictionary::AddDictionaryTS(const char* className,
+                                                     const char* interfaceName,
+                                                     const char* sharedLibrary, const char* itfLeaf,
+                                                     const char* extendedBy,
+                                                     LYRSysTSInterfaceFactory creator,
+                                                     LYRSysTSInfoDic* info) {
+    if (className == nullptr || interfaceName == nullptr) return nullptr;
+    lyr::Addition addition(className, interfaceName, sharedLibrary, itfLeaf, extendedBy, creator);
+    return lyr::Add(addition, info);
+}
+
+LYRSysTSInfoDic* LYRSysTSDictionary::QueryDictionary(const char* className,
+                                                     const char* interfaceName, short load) {
+    if (className == nullptr || interfaceName == nullptr || _DictionaryDeleted) return nullptr;
+    if (load == 1) EnsureInitDictionary();
+
+    const int bucket = _ComputeHashKey(className, interfaceName);
+    const lyr::MutexGuard guard(*GetGlobalDicoMutex());
+    if (_DictionaryDeleted) return nullptr;
+    const auto slot = lyr::DictionaryTables::Find(bucket, className, interfaceName);
+    return slot.link != nullptr ? slot.link->info : nullptr;
+}
+
+LYRSysTSMetaClass* LYRSysTSDictionary::QueryMetaObject(const char* className) {
+    const LYRSysTSInfoDic* const entry = QueryDictionary(className, "MetaObject", 0);
+    return entry != nullptr ? lyr::ToMetaObject(entry->creator) : nullptr;
+}

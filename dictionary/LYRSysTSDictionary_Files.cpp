@@ -1,0 +1,93 @@
+#include "DictionaryScan.h"
+#include "DictionaryTables.h"
+#include "LYRSysTSDictionary.h"
+#include "LYRSysTSDictionaryReader.h"
+#include "LineWords.h"
+#include "registries/Intern.h"
+#include "support/MutexGuard.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <dirent.h>
+#include <memory>
+#include <new>
+#include <string_view>
+
+namespace {
+
+struct CloseFile {
+    void operator()(std::FILE* file) const { std::fclose(file); }
+};
+
+bool HasExtension(std::string_view name, std::string_view extension) {
+    return name.size() > extension.size() && name.ends_with(extension);
+}
+
+/// The directories that the environment names; null when it names none or forbids them.
+const char* DictionaryPath() {
+    if (std::getenv("LYRDictionaryNoPathNoFallback") != nullptr) return nullptr;
+    return std::getenv("LYRDictionaryPath");
+}
+
+}  // namespace
+
+void LYRSysTSDictionary::EnsureInitDictionary() {
+    static std::atomic<bool> DictionaryInitialized = false;
+    if (DictionaryInitialized) return;
+    {
+        const lyr::MutexGuard guard(*GetGlobalDicoMutex());
+        // A set of read files means that this very thread is scanning: a reader asks for more.
+        if (DictionaryInitialized || _readDicFiles != nullptr) return;
+        lyr::DictionaryTables::EnsureCleared();
+        if (const char* const path = DictionaryPath()) {
+            if (lyr::ScanDictionaryFiles(path)) DictionaryInitialized.exchange(true);
+            return;
+        }
+    }
+    std::fputs("Error in reading dictionaries : LYRDictionaryPath is not defined.\n", stderr);
+}
+
+int LYRSysTSDictionary::_FileSelection(const dirent* entry) {
+    return entry != nullptr && _SelectionByExt(entry->d_name) != 0 ? 1 : 0;
+}
+
+int LYRSysTSDictionary::_SelectionByExt(const char* name) {
+    if (name == nullptr) return 0;
+    if (HasExtension(name, ".dicts")) return 1;
+    if (HasExtension(name, ".iidts")) return 2;
+    if (HasExtension(name, ".clsidts")) return 3;
+    return 0;
+}
+
+int LYRSysTSDictionary::_DicoIsAlreadyRead(const char* name) {
+    if (name == nullptr) return 0;
+    const lyr::MutexGuard guard(*GetGlobalDicoMutex());
+    if (_readDicFiles == nullptr) return 0;
+    try {
+        return lyr::NoteReadFile(lyr::InternText(name)) ? 0 : 1;
+    } catch (const std::bad_alloc&) {
+        return 0;
+    }
+}
+
+HRESULT LYRSysTSDictionary::_ReadDictionary(const char* path, LYRSysTSDictionaryReader* reader) {
+    if (path == nullptr || reader == nullptr) return E_FAIL;
+    const std::unique_ptr<std::FILE, CloseFile> file(std::fopen(path, "r"));
+    if (file == nullptr) {
+        const int reason = errno;
+        std::fprintf(stderr, "Error : fopen on %s\n--> ", path);
+        errno = reason;
+        std::perror("fopen()");
+        return E_FAIL;
+    }
+
+    char piece[2048];
+    for (int lineNumber = 1; std::fgets(piece, sizeof piece, file.get()) != nullptr; ++lineNumber) {
+        char* words[lyr::kMaxWords];
+        const int count = lyr::CutWords(piece, words);
+        if (count == 0) continue;
+        if (reader->PutInfo(words, count, path, lineNumber) < 0) return E_FAIL;
+    }
+    return S_OK;
+}

@@ -1,0 +1,22 @@
+#include "LYRSysTSInfoDic.h"
+
+LYRSysTSInfoDic::LYRSysTSInfoDic() noexcept
+    : clsid(nullptr),
+      iid(nullptr),
+      className(nullptr),
+      interfaceName(nullptr),
+      sharedLibrary(nullptr),
+      itfLeaf(nullptr),
+      extendedBy(nullptr),
+      creator(nullptr) {}
+
+LYRSysTSInfoDic::~LYRSysTSInfoDic() {
+    clsid = nullptr;
+    iid = nullptr;
+    className = nullptr;
+    interfaceName = nullptr;
+    sharedLibrary = nullptr;
+    creator = nullptr;
+    itfLeaf = nullptr;
+    extendedBy = nullptr;
+}
