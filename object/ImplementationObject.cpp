@@ -1,0 +1,98 @@
+#include "object/ImplementationObject.h"
+
+#include "object/ObjectAccess.h"
+
+#include <memory>
+#include <new>
+
+namespace lyr {
+
+namespace {
+
+/// Where the walk along an object's kept extensions ended: the one of the class, or the last link.
+struct KeptSearch {
+    LYRSysTSBaseUnknown* found;
+    LYRSysTSChainExtension* last;
+};
+
+KeptSearch FindKept(const LYRSysTSBaseUnknown& object, const LYRSysTSMetaClass* metaClass) {
+    KeptSearch search{nullptr, nullptr};
+    for (auto* link = ObjectAccess::Chain(object); link != nullptr;
+         link = link->GetNextChainExtension()) {
+        LYRSysTSBaseUnknown* extension = nullptr;
+        search.last = link;
+        if (link->GetAssociatedExtension(extension) != S_OK) continue;
+        if (extension->GetMetaObject() != metaClass) continue;
+        search.found = extension;
+        break;
+    }
+    return search;
+}
+
+/// Ties a new instance to the object that it extends. One whose own class is no extension keeps
+/// its link, which would mean a chain there.
+void SetExtended(LYRSysTSBaseUnknown& instance, LYRSysTSBaseUnknown& extended) {
+    if (ToExtension(instance.GetMetaObject()) != nullptr) {
+        ObjectAccess::SetExtended(instance, &extended);
+    }
+}
+
+LYRSysTSBaseUnknown* MakeTransient(LYRSysTSBaseUnknown& object, LYRSysTSBaseUnknown* (*create)()) {
+    LYRSysTSBaseUnknown* const instance = create();
+    if (instance != nullptr) SetExtended(*instance, object);
+    return instance;
+}
+
+LYRSysTSBaseUnknown* FindOrMakeKept(LYRSysTSBaseUnknown& object, const LYRSysTSMetaClass* metaClass,
+                                    LYRSysTSBaseUnknown* (*create)()) {
+    // The link of an extension is no chain.
+    if (ToExtension(object.GetMetaObject()) != nullptr) return nullptr;
+    if (const KeptSearch known = FindKept(object, metaClass); known.found) return known.found;
+
+    std::unique_ptr<LYRSysTSBaseUnknown> instance(create());
+    if (instance == nullptr) return nullptr;
+    // Searched again: the creation function may have asked for extensions of the same object.
+    const KeptSearch now = FindKept(object, metaClass);
+    if (now.found != nullptr) return now.found;
+
+    std::unique_ptr<LYRSysTSChainExtension> link(new (std::nothrow)
+                                                     LYRSysTSChainExtension(instance.get()));
+    if (link == nullptr) return nullptr;
+    if (now.last == nullptr) {
+        ObjectAccess::SetChain(object, link.get());
+    } else if (now.last->SetNextChainExtension(link.get()) != S_OK) {
+        return nullptr;
+    }
+    static_cast<void>(link.release());
+    SetExtended(*instance, object);
+    return instance.release();
+}
+
+bool IsOfClass(const LYRSysTSBaseUnknown& object, const LYRSysTSMetaClass* metaClass) {
+    const LYRSysTSMetaClass* const metaObject = object.GetMetaObject();
+    if (metaObject == nullptr) return false;
+    return metaObject == metaClass || metaObject->IsAKindOf(metaClass) != 0;
+}
+
+}  // namespace
+
+LYRSysTSBaseUnknown* FindOrMakeImplementation(LYRSysTSBaseUnknown* object,
+                                              LYRSysTSMetaClass* metaClass,
+                                              LYRSysTSBaseUnknown* (*create)()) {
+    if (object == nullptr || metaClass == nullptr) return nullptr;
+    LYRSysTSMetaClassExt* const extension = ToExtension(metaClass);
+    if (extension == nullptr) return IsOfClass(*object, metaClass) ? object : nullptr;
+    if (create == nullptr) return nullptr;
+
+    const ObjectLock lock(object);
+    switch (extension->GetExtensionType()) {
+        case TransientExtension:
+            return MakeTransient(*object, create);
+        case KeptExtension:
+            return FindOrMakeKept(*object, metaClass, create);
+        default:
+            return nullptr;
+    }
+}
+
+}  // namespace lyr

@@ -1,0 +1,138 @@
+#include "LYRSysTSBaseUnknown.h"
+
+#include "LYRSysTSDictionary.h"
+#include "LYRSysTSKnownIds.h"
+#include "object/ObjectAccess.h"
+
+#include <memory>
+
+constinit LYRSysTSMetaClass* LYRSysTSBaseUnknown::meta_object = nullptr;
+
+LYRSysTSBaseUnknown::LYRSysTSBaseUnknown(unsigned char threadSafe)
+    : _mutex(threadSafe != 0 ? 0 : 1), _refCount(1), _extensionLink(nullptr), _lockDepth(0) {}
+
+LYRSysTSBaseUnknown::~LYRSysTSBaseUnknown() {
+    while (_lockDepth > 0) Unlock();
+    _extensionLink = nullptr;
+}
+
+void LYRSysTSBaseUnknown::Lock() {
+    _mutex.LockF();
+    ++_lockDepth;
+}
+
+void LYRSysTSBaseUnknown::Unlock() {
+    --_lockDepth;
+    _mutex.UnlockF();
+}
+
+HRESULT LYRSysTSBaseUnknown::QueryInterface(const GUID& iid, void** out) {
+    if (out == nullptr) return E_FAIL;
+    *out = nullptr;
+    lyr::ObjectLock lock(this);
+    if (_refCount == 0) return E_UNEXPECTED;
+    LYRSysTSMetaClass* const metaObject = GetMetaObject();
+    LYRSysTSMetaClassBase* const base = metaObject ? metaObject->ToMetaClassBase() : nullptr;
+    if (base == nullptr) return E_NOINTERFACE;
+
+    if (base->CastToMetaExtension() != nullptr) {
+        LYRSysTSBaseUnknown* const extended = lyr::ObjectAccess::Extended(*this);
+        lock.Release();
+        return extended != nullptr ? extended->QueryInterface(iid, out) : E_UNEXPECTED;
+    }
+
+    IUnknown* answer = this;
+    if (iid != IID_IUnknown && iid != CLSID_LYRSysTSBaseUnknown) {
+        const LYRSysTSInterfaceFactory factory = base->QueryDerivationInterfaceFactory(iid);
+        const unsigned char threadSafe = lyr::ObjectAccess::IsThreadSafe(*this) ? 1 : 0;
+        answer = factory != nullptr ? factory(this, threadSafe) : nullptr;
+    }
+    if (answer == nullptr) return E_NOINTERFACE;
+    ++_refCount;
+    *out = answer;
+    return S_OK;
+}
+
+std::uint32_t LYRSysTSBaseUnknown::AddRef() {
+    LYRSysTSMetaClassExt* const extension = lyr::ToExtension(GetMetaObject());
+    if (extension == nullptr) return _RaiseCount();
+    LYRSysTSBaseUnknown* const extended = lyr::ObjectAccess::Extended(*this);
+    if (extended == nullptr) return _RaiseCount();
+
+    if (extension->GetExtensionType() == KeptExtension) return extended->AddRef();
+    const std::uint32_t count = _RaiseCount();
+    extended->AddRef();
+    return count;
+}
+
+std::uint32_t LYRSysTSBaseUnknown::Release() {
+    LYRSysTSMetaClassExt* const extension = lyr::ToExtension(GetMetaObject());
+    if (extension == nullptr) {
+        const std::uint32_t count = _LowerCount();
+        if (count != 0) return count;
+        _DeleteChain();
+        delete this;
+        return 0;
+    }
+
+    LYRSysTSBaseUnknown* const extended = lyr::ObjectAccess::Extended(*this);
+    const bool isKept = extension->GetExtensionType() == KeptExtension;
+    if (extended != nullptr && isKept) return extended->Release();
+    const std::uint32_t count = _LowerCount();
+    if (count == 0) delete this;
+    if (extended != nullptr) extended->Release();
+    return count;
+}
+
+std::uint32_t LYRSysTSBaseUnknown::_RaiseCount() {
+    const lyr::ObjectLock lock(this);
+    return ++_refCount;
+}
+
+std::uint32_t LYRSysTSBaseUnknown::_LowerCount() {
+    const lyr::ObjectLock lock(this);
+    return --_refCount;
+}
+
+// The references to a kept extension are counted on this object, so its own count is not asked.
+void LYRSysTSBaseUnknown::_DeleteChain() {
+    LYRSysTSChainExtension* link = lyr::ObjectAccess::Chain(*this);
+    _extensionLink = nullptr;
+    while (link != nullptr) {
+        const std::unique_ptr<LYRSysTSChainExtension> current(link);
+        link = current->GetNextChainExtension();
+        LYRSysTSBaseUnknown* extension = nullptr;
+        if (current->GetAssociatedExtension(extension) == S_OK) delete extension;
+    }
+}
+
+LYRSysTSMetaClass* LYRSysTSBaseUnknown::MetaObject() {
+    static LYRSysTSMetaClass* const s_meta_object = [] {
+        meta_object = LYRSysTSDictionary::FindOrCreateMetaObject(
+            "LYRSysTSBaseUnknown", PlainClass, &CLSID_LYRSysTSBaseUnknown, nullptr, nullptr);
+        return meta_object;
+    }();
+    return s_meta_object;
+}
+
+const char* LYRSysTSBaseUnknown::ClassName() {
+    return MetaObject()->IsA();
+}
+
+const GUID* LYRSysTSBaseUnknown::ClassId() {
+    return MetaObject()->GetClassId();
+}
+
+LYRSysTSMetaClass* LYRSysTSBaseUnknown::GetMetaObject() const {
+    return MetaObject();
+}
+
+const char* LYRSysTSBaseUnknown::IsA() const {
+    const LYRSysTSMetaClass* const metaObject = GetMetaObject();
+    return metaObject != nullptr ? metaObject->IsA() : nullptr;
+}
+
+int LYRSysTSBaseUnknown::IsAKindOf(const char* className) const {
+    const LYRSysTSMetaClass* const metaObject = GetMetaObject();
+    return metaObject != nullptr ? metaObject->IsAKindOf(className) : 0;
+}

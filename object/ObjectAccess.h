@@ -1,0 +1,66 @@
+#pragma once
+
+#include "LYRSysTSBaseUnknown.h"
+#include "LYRSysTSChainExtension.h"
+#include "LYRSysTSMetaClassExt.h"
+
+#include <utility>
+
+namespace lyr {
+
+/// What the sources of this room need of an object's state. The link has two meanings, and the
+/// object's kind says which: work the kind out first.
+struct ObjectAccess {
+    static bool IsThreadSafe(const LYRSysTSBaseUnknown& object) {
+        return object._mutex.HoldsLock();
+    }
+
+    /// Component object: the first link of its kept extensions, or null. Under its lock.
+    static LYRSysTSChainExtension* Chain(const LYRSysTSBaseUnknown& object) {
+        return static_cast<LYRSysTSChainExtension*>(object._extensionLink);
+    }
+    static void SetChain(LYRSysTSBaseUnknown& object, LYRSysTSChainExtension* first) {
+        object._extensionLink = first;
+    }
+
+    /// Extension object: the object that it extends, or null.
+    static LYRSysTSBaseUnknown* Extended(const LYRSysTSBaseUnknown& extension) {
+        return static_cast<LYRSysTSBaseUnknown*>(extension._extensionLink);
+    }
+    static void SetExtended(LYRSysTSBaseUnknown& extension, LYRSysTSBaseUnknown* extended) {
+        extension._extensionLink = extended;
+    }
+};
+
+/// The meta-object as an extension's; null for null and for any other.
+inline LYRSysTSMetaClassExt* ToExtension(LYRSysTSMetaClass* metaObject) {
+    LYRSysTSMetaClassBase* const base =
+        metaObject != nullptr ? metaObject->ToMetaClassBase() : nullptr;
+    return base != nullptr ? base->CastToMetaExtension() : nullptr;
+}
+
+/// Holds the lock of an object while it lives, or until Release; does nothing for null and for an
+/// object that has none.
+class ObjectLock {
+public:
+    explicit ObjectLock(LYRSysTSBaseUnknown* object)
+        : _locked(object != nullptr && ObjectAccess::IsThreadSafe(*object) ? object : nullptr) {
+        if (_locked != nullptr) _locked->Lock();
+    }
+    ~ObjectLock() { Release(); }
+    ObjectLock(const ObjectLock&) = delete;
+    ObjectLock& operator=(const ObjectLock&) = delete;
+
+    /// Gives the lock back early; nothing of the object is touched after it.
+    void Release() {
+        if (_locked != nullptr) std::exchange(_locked, nullptr)->Unlock();
+    }
+
+    /// Forgets an object that is gone: its destructor has given back every hold.
+    void ObjectIsGone() { _locked = nullptr; }
+
+private:
+    LYRSysTSBaseUnknown* _locked;
+};
+
+}  // namespace lyr
