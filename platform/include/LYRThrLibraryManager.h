@@ -1,0 +1,35 @@
+#pragma once
+
+#include "LYRExport.h"
+
+#include <string>
+
+/// Loads shared libraries by the names that dictionaries give them, and finds functions in them.
+///
+/// The name "Geometry" reaches the file libGeometry.so; so do "libGeometry" and "libGeometry.so".
+/// The dynamic loader searches for the file as for any other library. A name with a "/" is the path
+/// of the file, or of its directory and the name: "plugins/Geometry" also reaches
+/// plugins/libGeometry.so. A library stays loaded for the life of the process, its symbols kept to
+/// itself. Failures are not remembered: a library that is installed later is found by the next
+/// request. Any thread may call at any time; no lock of ours is held while a library loads, so that
+/// its initialisers may call back.
+class LYR_EXPORT LYRThrLibraryManager {
+public:
+    LYRThrLibraryManager() = delete;
+
+    /// Loads the library unless it is loaded already. A non-null handle that the caller does not
+    /// own, or null: no such library, one that cannot be loaded, a null or empty name, or no
+    /// memory.
+    static void* LoadLibrary(const char* name);
+
+    /// The address of the function `symbol` in the library, which is loaded first if need be. Null
+    /// when the library does not load, when `symbol` is null, or when the library itself does not
+    /// define it: a function of the same name in one of its dependencies does not count.
+    static void* GetFunctionAddress(const char* library, const char* symbol);
+
+    /// Why the last failure of either operation in this process came about, as far as possible in
+    /// the dynamic loader's own words; empty while none has failed. When several files were tried,
+    /// the words are about one that exists but cannot be loaded, if there is such. A copy, for
+    /// people to read; it may be cut off at some 2000 characters.
+    static std::string LastFailure();
+};
