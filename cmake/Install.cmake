@@ -1,0 +1,29 @@
+# What `cmake --install` lays down: both libraries, the exported headers, the CMake package and the
+# pkg-config file. The tree may be moved afterwards.
+include(CMakePackageConfigHelpers)
+
+set(packageDir ${CMAKE_INSTALL_LIBDIR}/cmake/LYRComponentModel)
+set(pkgConfigDir ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+
+# libLYRSysTS stands beside libLYRComponentModel, wherever that is.
+set_target_properties(LYRComponentModel PROPERTIES INSTALL_RPATH "$ORIGIN")
+install(TARGETS LYRComponentModel LYRSysTS EXPORT LYRComponentModelTargets)
+install(DIRECTORY include/ platform/include/
+    DESTINATION ${LYR_INSTALL_INCLUDEDIR}
+    FILES_MATCHING PATTERN *.h)
+
+install(EXPORT LYRComponentModelTargets NAMESPACE LYR:: DESTINATION ${packageDir})
+configure_package_config_file(cmake/LYRComponentModelConfig.cmake.in
+    ${PROJECT_BINARY_DIR}/LYRComponentModelConfig.cmake
+    INSTALL_DESTINATION ${packageDir})
+write_basic_package_version_file(${PROJECT_BINARY_DIR}/LYRComponentModelConfigVersion.cmake
+    COMPATIBILITY SameMajorVersion)
+install(FILES
+    ${PROJECT_BINARY_DIR}/LYRComponentModelConfig.cmake
+    ${PROJECT_BINARY_DIR}/LYRComponentModelConfigVersion.cmake
+    DESTINATION ${packageDir})
+
+file(RELATIVE_PATH pkgConfigToPrefix
+    ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig ${CMAKE_INSTALL_PREFIX})
+configure_file(cmake/LYRComponentModel.pc.in ${PROJECT_BINARY_DIR}/LYRComponentModel.pc @ONLY)
+install(FILES ${PROJECT_BINARY_DIR}/LYRComponentModel.pc DESTINATION ${pkgConfigDir})
