@@ -1,0 +1,70 @@
+#include "TestClasses.h"
+
+#include <algorithm>
+
+TEST(FactoryTable, OrdersByUnsignedLittleEndianWordsAndFindsEveryAddition) {
+    auto* meta = Impl("Gadget");
+    GUID ids[16] = {};  // the greatest first
+    for (unsigned i = 0; i < 32; ++i) {
+        reinterpret_cast<unsigned char*>(&ids[i % 16])[i % 16 ^ 3] = 0x80;
+        meta->_AddInterfaceFactory(ids[i % 16], Creator(i % 16 + 1));
+    }
+    for (unsigned i = 0; i < 256; ++i) {
+        const FactoryEntry a{&ids[i / 16], nullptr}, b{&ids[i % 16], nullptr};
+        EXPECT_EQ(LYRSysTSCompare(&a, &b), (i / 16 < i % 16) - (i / 16 > i % 16)) << i;
+        EXPECT_EQ(LYRSysTSCompare(&a, nullptr) + LYRSysTSCompare(nullptr, &b), -2);
+        EXPECT_EQ(meta->_GetInterfaceFactory(ids[i / 16]), Creator(i / 16 + 1)) << i;
+    }
+}
+
+TEST(FactorySearch, FollowsTheFilesThroughARealLibrary) {
+    const PartsFiles files;
+    Class("ILeaf", PlainClass, Class("I2", PlainClass, nullptr, 2));
+    Class("Plain", ImplementationClass, Class("I1"));
+    auto* gadget = Impl("Gadget");
+    auto* withoutId = new LYRSysTSMetaClassImpl(nullptr, "Gadget", nullptr);
+    EXPECT_EQ(Dictionary::QueryMetaObject("GadgetExt"), nullptr);
+    const std::string entryPoints[8] = {"I0GadgetExt", "I1Gadget", "ILeafGadget"};
+    for (int i = 0; i < 8; ++i) {
+        const Factory found = withoutId->QueryDerivationInterfaceFactory(Id(i));
+        EXPECT_EQ(gadget->QueryDerivationInterfaceFactory(Id(i)), found) << i;
+        auto* record = Dictionary::QueryDictionary("Gadget", ("I" + std::to_string(i)).c_str(), 0);
+        EXPECT_EQ(Find(*gadget->GetClassId(), Id(i)), i < 3 ? record : nullptr) << i;
+        const std::string name = "LYRSysTSCreate" + entryPoints[i];
+        void* address = Libraries::GetFunctionAddress("LyrTestParts", name.c_str());
+        EXPECT_EQ(reinterpret_cast<void*>(found), address) << i;
+    }
+}
+
+TEST(FactorySearch, ClimbsToTheFirstPlainClassRemembersAllAndSaysThatNoPathIsSet) {
+    ::unsetenv("LYRDictionaryPath");
+    auto* middle = Impl("Middle", Class("Plain", PlainClass, Impl("Top")));
+    auto* leaf = Impl("Leaf", middle);
+    const auto number = [](auto factory) { return reinterpret_cast<std::intptr_t>(factory); };
+    const auto answers = [&](const GUID& iid) {
+        const std::string said = ErrorsOf([&] { leaf->QueryDerivationInterfaceFactory(iid); });
+        const auto count = std::count(said.begin(), said.end(), '\n');
+        return Numbers{count, number(leaf->QueryDerivationInterfaceFactory(iid)),
+                       number(leaf->_GetInterfaceFactory(iid)),
+                       number(middle->_GetInterfaceFactory(iid))};
+    };
+    const auto add = [](LYRSysTSMetaClass* meta, int iid, const char* library, unsigned creator) {
+        Record* record = Add(meta->IsA(), std::to_string(iid).c_str(), library);
+        Dictionary::AddDictionaryTS(*meta->GetClassId(), Id(iid), Creator(creator), record);
+    };
+    add(middle, 1, "Lib", 1);
+    add(Impl("Top"), 2, "Lib", 2);
+    add(leaf, 3, nullptr, 3);  // without a library it is no answer
+    add(middle, 3, "Lib", 4);
+    LYRSysTSDicoIIDName::AddDicoIIDName(Id(5), "I5");
+    const auto absent = number(&_LYRSysTSNoSuchInterface);
+    for (const int first : {1, 0}) {
+        EXPECT_EQ(answers(Id(1)), (Numbers{first * 5, 1, 1, 1}));
+        EXPECT_EQ(answers(Id(2)), (Numbers{first * 6, 0, absent, absent}));
+        EXPECT_EQ(answers(Id(3)), (Numbers{first * 4, 4, 4, 4}));
+        EXPECT_EQ(answers(Id(5)), (Numbers{first * 8, 0, absent, absent}));
+        add(leaf, 5, "Lib", 6);  // too late
+    }
+    Add("Leaf", "MetaObject", "Lib");
+    EXPECT_EQ(answers(CLSID_LYRSysTSMetaClass)[1], 0);
+}

@@ -1,0 +1,64 @@
+#include "../metaclass/TestClasses.h"
+
+#include <thread>
+
+static Object* object;  // the one that the test is about
+
+static Object* MakeOuter() {
+    MakeTie(object, Class("Kept"), &TestObject::MakeKept);
+    return new TestObject(true, Class("Outer"));
+}
+
+TEST(Construction, FindsOrMakesTheObjectThatImplementsTheClass) {
+    auto* kept = Class("Kept", KeptExtension);
+    auto* outer = Class("Outer", KeptExtension);
+    auto* transient = Class("Transient", TransientExtension);
+    auto* strange = new LYRSysTSMetaClassExt(nullptr, "Strange", nullptr, ImplementationClass);
+    const auto make = []() -> Object* { return new TestObject(true, Class("Transient")); };
+    for (const auto construct : {&MakeTie, &LYRSysTSBOAInternal::CreateBOA}) {
+        object = new TestObject(true, Impl("Gadget", Class("Base")));
+        EXPECT_EQ(construct(object, Class("Base"), make), object);
+        EXPECT_FALSE(construct(object, Class("Other"), make) || construct(object, strange, make));
+        EXPECT_FALSE(construct(object, nullptr, make) || construct(nullptr, transient, make));
+        EXPECT_EQ(construct(object, outer, []() -> Object* { return nullptr; }), nullptr);
+        EXPECT_THROW(construct(object, outer, []() -> Object* { throw 1; }), int);
+        std::thread([] { object->AddRef(); }).join();  // the lock is free
+        Object* own = construct(object, outer, &MakeOuter);
+        EXPECT_EQ(construct(object, outer, &MakeOuter), own);
+        own = construct(object, kept, &MakeOuter);
+        EXPECT_EQ(construct(own, outer, &MakeOuter), nullptr);
+        own->QueryInterface(IID_IUnknown, &TestObject::out);
+        EXPECT_EQ((Numbers{own->AddRef(), own->Release(), object->Release()}), (Numbers{4, 3, 2}));
+        Object* a = construct(object, transient, make);
+        Object* b = construct(object, transient, make);
+        EXPECT_EQ((Numbers{a->AddRef(), object->AddRef(), a->Release()}), (Numbers{2, 4, 1}));
+        EXPECT_EQ((Numbers{a->Release(), object->Release(), b->Release()}), (Numbers{0, 1, 0}));
+        EXPECT_EQ(std::exchange(TestObject::ends, ""), "TransientTransientKeptOuterGadget");
+    }
+}
+
+TEST(Tie, CountsWithItsObjectUntilTheLastRelease) {
+    for (int bits = 0; bits < 4; ++bits) {
+        object = new TestObject(bits % 2 != 0, Impl("Gadget"));
+        Object* kept = MakeTie(object, Class("Kept", KeptExtension), &TestObject::MakeKept);
+        Object *target = bits > 1 ? kept : object, *last = target;
+        int count = 0;
+        unsigned char deletes = 7;
+        const auto release = [&] { return Tie::Tie_Release(count, target, deletes); };
+        const auto add = [&] { return Tie::Tie_AddRef(count, target); };
+        EXPECT_EQ((Numbers{add(), add(), release(), deletes, release(), deletes}),
+                  (Numbers{1, 2, 1, 0, 0, 1}));
+        EXPECT_EQ((Numbers{add(), release(), deletes, count}), (Numbers{0, 0, 0, 0}));
+        target = last;
+        EXPECT_EQ((Numbers{add(), object->Release(), release()}), (Numbers{1, 1, 0}));
+        EXPECT_EQ(std::exchange(TestObject::ends, ""), "KeptGadget");
+    }
+}
+
+TEST(ChainLink, TakesOneNextLinkThatHasNone) {
+    LYRSysTSChainExtension a(nullptr), b(nullptr), c(nullptr);
+    const auto hang = [](auto& link, auto* next) { return link.SetNextChainExtension(next); };
+    EXPECT_EQ((Numbers{hang(a, &a), hang(a, &b), hang(a, &c), hang(c, &a)}),
+              (Numbers{E_FAIL, S_OK, E_FAIL, E_FAIL}));
+    EXPECT_TRUE(a.GetNextChainExtension() == &b && c.GetNextChainExtension() == nullptr);
+}

@@ -1,0 +1,69 @@
+#include "LYRSmartMutex.h"
+
+#include <future>
+#include <gtest/gtest.h>
+#include <new>
+#include <thread>
+
+// Not checked by the compiler: nested holds, and unlocks by others, are the subject.
+void Lock(LYRSmartMutex& mutex, int holds = 1) LYR_NO_THREAD_SAFETY_ANALYSIS {
+    while (holds-- > 0) mutex.LockF();
+}
+void Unlock(LYRSmartMutex& mutex, int holds = 1) LYR_NO_THREAD_SAFETY_ANALYSIS {
+    while (holds-- > 0) mutex.UnlockF();
+}
+
+/// A thread that takes the lock and gives it back. The future's destructor waits for it.
+std::future<void> LockElsewhere(LYRSmartMutex& mutex) {
+    return std::async(std::launch::async, [&mutex] { Lock(mutex), Unlock(mutex); });
+}
+bool Waits(const std::future<void>& thread) {
+    return thread.wait_for(std::chrono::milliseconds(50)) == std::future_status::timeout;
+}
+
+TEST(LYRMutex, OnlyTheHoldersLastUnlockLetsTheOthersIn) {
+    for (int holds = 1; holds <= 2; ++holds) {
+        LYRSmartMutex mutex(0);
+        Unlock(mutex);
+        Lock(mutex, holds);
+        const std::future<void> a = LockElsewhere(mutex), b = LockElsewhere(mutex);
+        std::jthread([&] { Unlock(mutex, holds); }).join();
+        Lock(mutex);
+        Unlock(mutex, holds);
+        EXPECT_TRUE(Waits(a) && Waits(b)) << holds;
+        Unlock(mutex);
+    }
+}
+
+TEST(LYRMutex, WithoutLockOrDestroyedAtExitItKeepsNobodyOut) {
+    alignas(LYRSmartMutex) static unsigned char memory[sizeof(LYRSmartMutex)];
+    for (const bool holdsLock : {false, true}) {
+        auto* const mutex = new (memory) LYRSmartMutex(holdsLock ? 0 : 1);
+        EXPECT_EQ(mutex->HoldsLock(), holdsLock);
+        Lock(*mutex, 2);
+        const std::future<void> a = LockElsewhere(*mutex), b = LockElsewhere(*mutex);
+        EXPECT_EQ(Waits(a) && Waits(b), holdsLock);
+        mutex->~LYRSmartMutex();
+        EXPECT_FALSE(Waits(a) || Waits(b));
+        Unlock(*mutex, 3);
+        Lock(*mutex);
+        EXPECT_FALSE(Waits(LockElsewhere(*mutex)));
+    }
+}
+
+TEST(LYRMutex, RacingThreadsExcludeEachOtherAndTheLastMayFreeItAtOnce) {
+    int freed = 0;
+    for (int round = 0; round < 400; ++round) {
+        int turns = 3 * 100;
+        const auto takeTurns = [mutex = new LYRSmartMutex(0), &turns, &freed] {
+            for (int i = 0; i < 100; ++i) {
+                Lock(*mutex, 2);
+                const int left = --turns;
+                Unlock(*mutex, 2);
+                if (left == 0) delete mutex, ++freed;
+            }
+        };
+        const std::jthread a(takeTurns), b(takeTurns), c(takeTurns);
+    }
+    EXPECT_EQ(freed, 400);
+}

@@ -1,0 +1,4 @@
+extern "C" int PlatformDefinedNowhere();
+extern "C" __attribute__((visibility("default"))) int PlatformBroken() {
+    return PlatformDefinedNowhere();
+}

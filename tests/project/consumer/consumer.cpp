@@ -1,0 +1,41 @@
+#include "NamedTie.h"
+
+#include <cstdio>
+
+namespace {
+
+constexpr CLSID kPoint{
+    0x8B1C2D3E, 0x4F50, 0x4617, {0x82, 0x93, 0xA4, 0xB5, 0xC6, 0xD7, 0xE8, 0xF9}};
+constexpr IID kIPoint{0x3F2A9C10, 0x5B7E, 0x4D21, {0x9A, 0x0C, 0x1E, 0x2F, 0x3A, 0x4B, 0x5C, 0x6D}};
+constexpr IID kIPointView{
+    0x3F2A9C10, 0x5B7E, 0x4D21, {0x9A, 0x0C, 0x1E, 0x2F, 0x3A, 0x4B, 0x5C, 0x6E}};
+
+class Point : public LYRSysTSBaseUnknown {
+public:
+    Point() : LYRSysTSBaseUnknown(1) {}
+    LYRSysTSMetaClass* GetMetaObject() const override {
+        return LYRSysTSFindOrCreateMetaObject("Point", ImplementationClass, &kPoint,
+                                              LYRSysTSBaseUnknown::MetaObject(), nullptr);
+    }
+};
+
+IUnknown* CreateIPoint(LYRSysTSBaseUnknown* object, unsigned char) {
+    return new NamedTie(object, "from the application");
+}
+
+bool Show(Point* point, const IID& iid) {
+    void* named = nullptr;
+    if (point->QueryInterface(iid, &named) != S_OK) return false;
+    std::puts(static_cast<INamed*>(named)->Name());
+    return static_cast<INamed*>(named)->Release() == 0;
+}
+
+}  // namespace
+
+int main() {
+    LYRSysTSDictionary::AddDictionaryTS(&kPoint, &kIPoint, "Point", "IPoint", "consumer",
+                                        CreateIPoint, 0);
+    auto* point = new Point;
+    const bool shown = Show(point, kIPoint) && Show(point, kIPointView);
+    return shown && point->Release() == 0 ? 0 : 1;
+}
