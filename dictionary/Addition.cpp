@@ -28,7 +28,9 @@ const char* WithoutLib(const char* library) {
 
 Addition::Addition(const char* className, const char* interfaceName, const char* sharedLibrary,
                    const char* itfLeaf, const char* extendedBy, LYRSysTSInterfaceFactory creator)
-    : _bucket(LYRSysTSDictionary::_ComputeHashKey(className, interfaceName)) {
+    : _table(DictionaryTables::byName),
+      _hash(DictionaryTables::Hash(className, interfaceName)),
+      _bucket(LYRSysTSDictionary::_ComputeHashKey(className, interfaceName)) {
     _wanted.className = className;
     _wanted.interfaceName = interfaceName;
     _wanted.sharedLibrary = WithoutLib(sharedLibrary);
@@ -38,36 +40,35 @@ Addition::Addition(const char* className, const char* interfaceName, const char*
 }
 
 Addition::Addition(const GUID& clsid, const GUID& iid, LYRSysTSInterfaceFactory creator)
-    : _bucket(LYRSysTSDictionary::_ComputeHashKey(&clsid, &iid)) {
+    : _table(DictionaryTables::byGUID),
+      _hash(DictionaryTables::Hash(clsid, iid)),
+      _bucket(LYRSysTSDictionary::_ComputeHashKey(&clsid, &iid)) {
     _wanted.clsid = &clsid;
     _wanted.iid = &iid;
     _wanted.creator = creator;
 }
 
 bool Addition::Prepare(LYRSysTSInfoDic* info) {
-    const auto slot = FindEntry();
-    LYRSysTSInfoDic* const record = ChooseRecord(slot, info);
+    LYRSysTSInfoDic* const existing = FindEntry();
+    LYRSysTSInfoDic* const record = ChooseRecord(existing, info);
     if (record == nullptr || ContradictsRecord(*record) || !InternMissing(*record)) return false;
-    if (slot.link == nullptr) {
+    if (existing == nullptr) {
         _newLink = std::make_unique<DicEntryLink>(DicEntryLink{record, nullptr});
-        _place = slot.place;
+        if (!_table.index.Reserve()) throw std::bad_alloc();
     }
     _record = record;
     return true;
 }
 
-ChainSlot<DicEntryLink> Addition::FindEntry() const {
+LYRSysTSInfoDic* Addition::FindEntry() const {
     if (_wanted.className == nullptr) {
-        return DictionaryTables::Find(_bucket, *_wanted.clsid, *_wanted.iid);
+        return DictionaryTables::Find(_hash, *_wanted.clsid, *_wanted.iid);
     }
-    return DictionaryTables::Find(_bucket, _wanted.className, _wanted.interfaceName);
+    return DictionaryTables::Find(_hash, _wanted.className, _wanted.interfaceName);
 }
 
-LYRSysTSInfoDic* Addition::ChooseRecord(ChainSlot<DicEntryLink> slot, LYRSysTSInfoDic* info) {
-    if (slot.link != nullptr) {
-        LYRSysTSInfoDic* const existing = slot.link->info;
-        return info == nullptr || info == existing ? existing : nullptr;
-    }
+LYRSysTSInfoDic* Addition::ChooseRecord(LYRSysTSInfoDic* existing, LYRSysTSInfoDic* info) {
+    if (existing != nullptr) return info == nullptr || info == existing ? existing : nullptr;
     if (info != nullptr) return info;
     _newRecord = std::make_unique<LYRSysTSInfoDic>();
     return _newRecord.get();
@@ -116,7 +117,7 @@ void Addition::Commit() {
     // Last, so that whoever sees the creator without the lock also sees its library.
     const LYRSysTSInterfaceFactory creator = _wanted.creator;
     if (creator != nullptr && _record->creator == nullptr) _record->creator = creator;
-    if (_newLink != nullptr) StoreShared(*_place, _newLink.release());
+    if (_newLink != nullptr) _table.Append(_bucket, _hash, _newLink.release());
     static_cast<void>(_newRecord.release());
 }
 

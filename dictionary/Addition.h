@@ -28,17 +28,18 @@ public:
     void Commit() LYR_REQUIRES(GetGlobalDicoMutex());
 
 private:
-    ChainSlot<DicEntryLink> FindEntry() const LYR_REQUIRES(GetGlobalDicoMutex());
-    LYRSysTSInfoDic* ChooseRecord(ChainSlot<DicEntryLink> slot, LYRSysTSInfoDic* info);
+    LYRSysTSInfoDic* FindEntry() const LYR_REQUIRES(GetGlobalDicoMutex());
+    LYRSysTSInfoDic* ChooseRecord(LYRSysTSInfoDic* existing, LYRSysTSInfoDic* info);
     bool ContradictsRecord(const LYRSysTSInfoDic& record) const;
     bool InternMissing(const LYRSysTSInfoDic& record);
 
+    EntryTable& _table;
+    const std::size_t _hash;
     const int _bucket;
     LYRSysTSInfoDic _wanted;  // what the addition gives, null where it gives nothing
     LYRSysTSInfoDic* _record = nullptr;
     std::unique_ptr<LYRSysTSInfoDic> _newRecord;
     std::unique_ptr<DicEntryLink> _newLink;
-    DicEntryLink** _place = nullptr;
 };
 
 /// Makes one addition under the lock. Its record; null, and a word on standard error, when it is

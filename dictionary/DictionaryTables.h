@@ -2,16 +2,39 @@
 
 #include "LYRSysTSDictionary.h"
 #include "support/Chain.h"
+#include "support/HashIndex.h"
+
+#include <cstddef>
 
 namespace lyr {
 
+/// One of the two tables of the dictionary, with what stands beside it. Under the dictionary's
+/// lock.
+struct EntryTable {
+    DicEntryLink** heads;
+    ChainTails<DicEntryLink, 4096> tails;
+    HashIndex<LYRSysTSInfoDic> index;
+
+    /// Hangs the link of a new record, after index.Reserve.
+    void Append(int bucket, std::size_t hash, DicEntryLink* link) {
+        tails.Append(heads[bucket], static_cast<std::size_t>(bucket), link);
+        index.Add(hash, link->info);
+    }
+};
+
 /// The dictionary's own state, for the sources that work on it.
 struct DictionaryTables {
-    /// The bucket's link for the pair, or the end of its chain.
-    static ChainSlot<DicEntryLink> Find(int bucket, const char* className,
-                                        const char* interfaceName)
+    static EntryTable byName;
+    static EntryTable byGUID;
+
+    /// The hash of a pair in its index. It has nothing to do with the buckets.
+    static std::size_t Hash(const char* className, const char* interfaceName);
+    static std::size_t Hash(const GUID& clsid, const GUID& iid);
+
+    /// The record registered under the pair with this hash, or null.
+    static LYRSysTSInfoDic* Find(std::size_t hash, const char* className, const char* interfaceName)
         LYR_REQUIRES(GetGlobalDicoMutex());
-    static ChainSlot<DicEntryLink> Find(int bucket, const GUID& clsid, const GUID& iid)
+    static LYRSysTSInfoDic* Find(std::size_t hash, const GUID& clsid, const GUID& iid)
         LYR_REQUIRES(GetGlobalDicoMutex());
 
     /// Whether _DeleteDictionary has closed the dictionary.

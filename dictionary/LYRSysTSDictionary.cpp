@@ -6,6 +6,11 @@
 #include "support/StartUpOrder.h"
 #include "support/Text.h"
 
+#include <bit>
+#include <functional>
+#include <span>
+#include <string_view>
+
 constinit DicEntryLink* LYRSysTSDictionary::_dicByName[4096] = {};
 constinit DicEntryLink* LYRSysTSDictionary::_dicByGUID[4096] = {};
 constinit std::atomic<bool> LYRSysTSDictionary::_DictionaryCleared = false;
@@ -40,29 +45,48 @@ void LYRSysTSDictionary::_DeleteDictionary() {
     {
         // A record with a class name is in the table by name, which frees it.
         const lyr::MutexGuard guard(*GetGlobalDicoMutex());
+        lyr::DictionaryTables::byGUID.index.Clear();
+        lyr::DictionaryTables::byGUID.tails.Clear();
         lyr::FreeChains(std::span(_dicByGUID), [](DicEntryLink* link) {
             if (link->info != nullptr && link->info->className == nullptr) delete link->info;
             delete link;
         });
     }
     const lyr::MutexGuard guard(*GetGlobalDicoMutex());
+    lyr::DictionaryTables::byName.index.Clear();
+    lyr::DictionaryTables::byName.tails.Clear();
     lyr::FreeChains(std::span(_dicByName), [](DicEntryLink* link) {
         delete link->info;
         delete link;
     });
 }
 
-lyr::ChainSlot<DicEntryLink> lyr::DictionaryTables::Find(int bucket, const char* className,
-                                                         const char* interfaceName) {
-    return FindSlot(LYRSysTSDictionary::_dicByName[bucket], [=](const DicEntryLink& link) {
-        return link.info != nullptr && SameText(link.info->className, className) &&
-               SameText(link.info->interfaceName, interfaceName);
+namespace lyr {
+
+constinit EntryTable DictionaryTables::byName{LYRSysTSDictionary::_dicByName, {}, {}};
+constinit EntryTable DictionaryTables::byGUID{LYRSysTSDictionary::_dicByGUID, {}, {}};
+
+std::size_t DictionaryTables::Hash(const char* className, const char* interfaceName) {
+    const std::hash<std::string_view> hash;
+    return hash(className) ^ std::rotl(hash(interfaceName), 21);
+}
+
+std::size_t DictionaryTables::Hash(const GUID& clsid, const GUID& iid) {
+    return GuidHash(clsid) ^ std::rotl(GuidHash(iid), 21);
+}
+
+LYRSysTSInfoDic* DictionaryTables::Find(std::size_t hash, const char* className,
+                                        const char* interfaceName) {
+    return byName.index.Find(hash, [=](const LYRSysTSInfoDic& record) {
+        return SameText(record.className, className) &&
+               SameText(record.interfaceName, interfaceName);
     });
 }
 
-lyr::ChainSlot<DicEntryLink> lyr::DictionaryTables::Find(int bucket, const GUID& clsid,
-                                                         const GUID& iid) {
-    return FindSlot(LYRSysTSDictionary::_dicByGUID[bucket], [&](const DicEntryLink& link) {
-        return link.info != nullptr && *link.info->clsid == clsid && *link.info->iid == iid;
+LYRSysTSInfoDic* DictionaryTables::Find(std::size_t hash, const GUID& clsid, const GUID& iid) {
+    return byGUID.index.Find(hash, [&](const LYRSysTSInfoDic& record) {
+        return *record.clsid == clsid && *record.iid == iid;
     });
 }
+
+}  // namespace lyr

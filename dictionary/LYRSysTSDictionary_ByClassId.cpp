@@ -86,11 +86,10 @@ LYRSysTSInfoDic* LYRSysTSDictionary::QueryDictionary(const GUID& clsid, const GU
     if (_DictionaryDeleted) return nullptr;
     if (load == 1) EnsureInitDictionary();
 
-    const int bucket = _ComputeHashKey(&clsid, &iid);
+    const std::size_t hash = lyr::DictionaryTables::Hash(clsid, iid);
     const lyr::MutexGuard guard(*GetGlobalDicoMutex());
     if (_DictionaryDeleted) return nullptr;
-    const auto slot = lyr::DictionaryTables::Find(bucket, clsid, iid);
-    return slot.link != nullptr ? slot.link->info : nullptr;
+    return lyr::DictionaryTables::Find(hash, clsid, iid);
 }
 
 LYRSysTSMetaClass* LYRSysTSDictionary::QueryMetaObject(const GUID& clsid) {

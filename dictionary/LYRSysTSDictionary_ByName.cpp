@@ -36,11 +36,10 @@ LYRSysTSInfoDic* LYRSysTSDictionary::QueryDictionary(const char* className,
     if (className == nullptr || interfaceName == nullptr || _DictionaryDeleted) return nullptr;
     if (load == 1) EnsureInitDictionary();
 
-    const int bucket = _ComputeHashKey(className, interfaceName);
+    const std::size_t hash = lyr::DictionaryTables::Hash(className, interfaceName);
     const lyr::MutexGuard guard(*GetGlobalDicoMutex());
     if (_DictionaryDeleted) return nullptr;
-    const auto slot = lyr::DictionaryTables::Find(bucket, className, interfaceName);
-    return slot.link != nullptr ? slot.link->info : nullptr;
+    return lyr::DictionaryTables::Find(hash, className, interfaceName);
 }
 
 LYRSysTSMetaClass* LYRSysTSDictionary::QueryMetaObject(const char* className) {

@@ -3,6 +3,7 @@
 #include "support/ByteSum.h"
 #include "support/Chain.h"
 #include "support/GuidBytes.h"
+#include "support/HashIndex.h"
 #include "support/MutexGuard.h"
 #include "support/StartUpOrder.h"
 
@@ -20,6 +21,16 @@ LYRSmartMutex* GetGlobalGUIDDicoMutex() {
 
 namespace {
 
+// Looked into without the lock: what it finds never changes.
+constinit lyr::HashIndex<DicoGUIDNode> guidIndex;
+constinit lyr::ChainTails<DicoGUIDNode, 4096> tails;
+
+const GUID* Find(const GUID& guid, std::size_t hash) {
+    const DicoGUIDNode* const node =
+        guidIndex.Find(hash, [&](const DicoGUIDNode& known) { return known.guid == guid; });
+    return node != nullptr ? &node->guid : nullptr;
+}
+
 [[gnu::constructor(lyr::kStartGUIDMutex)]] void MakeGUIDMutex() {
     GuidMutextToForceInitDuringDllLoading = GetGlobalGUIDDicoMutex();
 }
@@ -35,15 +46,17 @@ const GUID* LYRSysTSDicoGUID::AddGUIDInDico(const GUID* g) {
     if (g == nullptr) return nullptr;
     if (!_DictionaryCleared) _ClearDictionary();
 
+    const std::size_t hash = lyr::GuidHash(*g);
+    if (const GUID* const known = Find(*g, hash)) return known;
+
     const unsigned key = KeyOf(*g);
     const lyr::MutexGuard guard(*GetGlobalGUIDDicoMutex());
-    const auto slot =
-        lyr::FindSlot(_DicoGUID[key], [&](const DicoGUIDNode& node) { return node.guid == *g; });
-    if (slot.link != nullptr) return &slot.link->guid;
-
+    if (const GUID* const known = Find(*g, hash)) return known;
+    if (!guidIndex.Reserve()) return nullptr;
     auto* const node = new (std::nothrow) DicoGUIDNode{nullptr, *g};
     if (node == nullptr) return nullptr;
-    *slot.place = node;
+    tails.Append(_DicoGUID[key], key, node);
+    guidIndex.Add(hash, node);
     return &node->guid;
 }
 
@@ -60,5 +73,7 @@ void LYRSysTSDicoGUID::_ClearDictionary() {
 
 void LYRSysTSDicoGUID::_FreeDictionary() {
     const lyr::MutexGuard guard(*GetGlobalGUIDDicoMutex());
+    guidIndex.Clear();
+    tails.Clear();
     lyr::FreeChains(std::span(_DicoGUID), [](DicoGUIDNode* node) { delete node; });
 }

@@ -2,11 +2,13 @@
 
 #include "support/ByteSum.h"
 #include "support/Chain.h"
+#include "support/HashIndex.h"
 #include "support/MutexGuard.h"
 #include "support/StartUpOrder.h"
 
 #include <cstdlib>
 #include <cstring>
+#include <functional>
 #include <memory>
 #include <new>
 #include <string_view>
@@ -33,6 +35,16 @@ constexpr std::size_t kBlockSize = sizeof(DicoStringBlock::chars);
     StaticStringMutextToForceInitDuringDllLoading = GetGlobalStringDicoMutex();
 }
 
+// Looked into without the lock: what it finds never changes.
+constinit lyr::HashIndex<DicoStringNode> stringIndex;
+
+const char* Find(std::string_view text, std::size_t hash) {
+    const DicoStringNode* const node = stringIndex.Find(hash, [=](const DicoStringNode& known) {
+        return text == std::string_view(known.text, static_cast<std::size_t>(known.length));
+    });
+    return node != nullptr ? node->text : nullptr;
+}
+
 unsigned KeyOf(std::string_view text) {
     return lyr::WeightedByteSum<unsigned char>(text, 0) & 0xfff;
 }
@@ -45,27 +57,25 @@ const char* LYRSysTSDicoString::AddStringInDico(const char* s) {
 
     const std::string_view text(s);
     if (text.size() >= kBlockSize) return nullptr;
-    const auto length = static_cast<std::int32_t>(text.size());
-    const unsigned key = KeyOf(text);
+    const std::size_t hash = std::hash<std::string_view>()(text);
+    if (const char* const known = Find(text, hash)) return known;
 
+    const unsigned key = KeyOf(text);
     const lyr::MutexGuard guard(*GetGlobalStringDicoMutex());
-    // The order of the chain lets the walk stop where the text would stand.
-    int difference = 1;
-    const auto slot = lyr::FindSlot(_DicoString[key], [&](const DicoStringNode& node) {
+    if (const char* const known = Find(text, hash)) return known;
+    const auto length = static_cast<std::int32_t>(text.size());
+    const auto slot = lyr::FindSlot(_DicoString[key], [=](const DicoStringNode& node) {
         if (node.length != length) return node.length < length;
-        difference = std::strcmp(node.text, s);
-        return difference >= 0;
+        return std::strcmp(node.text, s) > 0;
     });
-    if (slot.link != nullptr && slot.link->length == length && difference == 0) {
-        return slot.link->text;
-    }
 
     std::unique_ptr<DicoStringNode> node(new (std::nothrow) DicoStringNode);
-    if (node == nullptr) return nullptr;
+    if (node == nullptr || !stringIndex.Reserve()) return nullptr;
     char* const copy = _TakeRoom(length + 1);
     if (copy == nullptr) return nullptr;
     std::memcpy(copy, s, text.size() + 1);
     *node = {slot.link, copy, length};
+    stringIndex.Add(hash, node.get());
     *slot.place = node.release();
     return copy;
 }
@@ -111,5 +121,6 @@ void LYRSysTSDicoString::_FreeDictionary() {
     _LastBlocStringForDico = nullptr;
     _StringForDicoAvailable = nullptr;
     _SizeStringForDicoAvailable = 0;
+    stringIndex.Clear();
     lyr::FreeChains(std::span(_DicoString), [](DicoStringNode* node) { delete node; });
 }

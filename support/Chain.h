@@ -28,6 +28,27 @@ ChainSlot<Link> FindSlot(Link*& head, Stop stop) {
     return {place, link};
 }
 
+/// The last link of each chain of a table, so that hanging one more does not walk the chain.
+/// Changed under the table's lock.
+template <typename Link, std::size_t buckets>
+class ChainTails {
+public:
+    /// Hangs the link at the end of the bucket's chain, which begins at `head`.
+    void Append(Link*& head, std::size_t bucket, Link* link) {
+        Link*& last = _last[bucket];
+        StoreShared(last != nullptr ? last->next : head, link);
+        last = link;
+    }
+
+    /// Forgets all, when the chains are empty.
+    void Clear() {
+        for (Link*& last : _last) last = nullptr;
+    }
+
+private:
+    Link* _last[buckets] = {};
+};
+
 /// Empties every chain of a table, handing each link to `dispose`, which frees it.
 template <typename Link, std::size_t buckets, typename Dispose>
 void FreeChains(std::span<Link*, buckets> heads, Dispose dispose) {

@@ -21,4 +21,13 @@ inline std::array<std::uint32_t, 4> GuidWords(const GUID& guid) noexcept {
     return std::bit_cast<std::array<std::uint32_t, 4>>(guid);
 }
 
+/// A hash of all 16 bytes, for indexes; the tables have keys of their own.
+inline std::size_t GuidHash(const GUID& guid) noexcept {
+    const auto halves = std::bit_cast<std::array<std::uint64_t, 2>>(guid);
+    std::uint64_t hash = (halves[0] ^ std::rotr(halves[1], 29)) * 0x9E3779B97F4A7C15;
+    hash ^= hash >> 32;
+    hash *= 0xD6E8FEB86659FD93;
+    return hash ^ hash >> 32;
+}
+
 }  // namespace lyr
