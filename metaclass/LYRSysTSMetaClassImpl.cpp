@@ -1,6 +1,7 @@
 #include "LYRSysTSMetaClassImpl.h"
 
 #include "LYRSysTSDicoGUID.h"
+#include "metaclass/FactoryCache.h"
 #include "support/GuidBytes.h"
 #include "support/MemoryShortage.h"
 #include "support/MutexGuard.h"
@@ -29,6 +30,7 @@ LYRSysTSMetaClassImpl::LYRSysTSMetaClassImpl(const GUID* clsid, const char* name
       _factoryCapacity(0) {}
 
 LYRSysTSMetaClassImpl::~LYRSysTSMetaClassImpl() {
+    if (_factoryCount != 0) lyr::FactoryCache::Forget(this);
     delete[] _factoryTable;
 }
 
@@ -74,7 +76,11 @@ bool LYRSysTSMetaClassImpl::_HasRoom() {
 }
 
 LYRSysTSInterfaceFactory LYRSysTSMetaClassImpl::QueryDerivationInterfaceFactory(const GUID& iid) {
-    const LYRSysTSInterfaceFactory known = _GetInterfaceFactory(iid);
+    LYRSysTSInterfaceFactory known = lyr::FactoryCache::Find(this, iid);
+    if (known == nullptr) {
+        known = _GetInterfaceFactory(iid);
+        if (known != nullptr) lyr::FactoryCache::Keep(this, iid, known);
+    }
     if (known == _LYRSysTSNoSuchInterface) return nullptr;
     if (known != nullptr) return known;
 

@@ -17,13 +17,11 @@ LYRSysTSBaseUnknown::~LYRSysTSBaseUnknown() {
 }
 
 void LYRSysTSBaseUnknown::Lock() {
-    _mutex.LockF();
-    ++_lockDepth;
+    lyr::ObjectAccess::Lock(*this);
 }
 
 void LYRSysTSBaseUnknown::Unlock() {
-    --_lockDepth;
-    _mutex.UnlockF();
+    lyr::ObjectAccess::Unlock(*this);
 }
 
 HRESULT LYRSysTSBaseUnknown::QueryInterface(const GUID& iid, void** out) {

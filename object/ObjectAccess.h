@@ -15,6 +15,16 @@ struct ObjectAccess {
         return object._mutex.HoldsLock();
     }
 
+    /// The object's Lock and Unlock, in line: each request takes the lock twice.
+    static void Lock(LYRSysTSBaseUnknown& object) LYR_NO_THREAD_SAFETY_ANALYSIS {
+        object._mutex.LockF();
+        ++object._lockDepth;
+    }
+    static void Unlock(LYRSysTSBaseUnknown& object) LYR_NO_THREAD_SAFETY_ANALYSIS {
+        --object._lockDepth;
+        object._mutex.UnlockF();
+    }
+
     /// Component object: the first link of its kept extensions, or null. Under its lock.
     static LYRSysTSChainExtension* Chain(const LYRSysTSBaseUnknown& object) {
         return static_cast<LYRSysTSChainExtension*>(object._extensionLink);
@@ -45,7 +55,7 @@ class ObjectLock {
 public:
     explicit ObjectLock(LYRSysTSBaseUnknown* object)
         : _locked(object != nullptr && ObjectAccess::IsThreadSafe(*object) ? object : nullptr) {
-        if (_locked != nullptr) _locked->Lock();
+        if (_locked != nullptr) ObjectAccess::Lock(*_locked);
     }
     ~ObjectLock() { Release(); }
     ObjectLock(const ObjectLock&) = delete;
@@ -53,7 +63,7 @@ public:
 
     /// Gives the lock back early; nothing of the object is touched after it.
     void Release() {
-        if (_locked != nullptr) std::exchange(_locked, nullptr)->Unlock();
+        if (_locked != nullptr) ObjectAccess::Unlock(*std::exchange(_locked, nullptr));
     }
 
     /// Forgets an object that is gone: its destructor has given back every hold.

@@ -181,7 +181,8 @@ inline bool LYRMutex::Acquire() {
     // A lock that is free is tried at once, without a look at it before.
     std::uint32_t state = kUnlocked;
     const std::uint32_t hold = _hold.load(std::memory_order_relaxed);
-    if ((hold & ~kNesting) != self.hold && Change(_state, state, self.state, std::memory_order_acquire)) {
+    if ((hold & ~kNesting) != self.hold &&
+        Change(_state, state, self.state, std::memory_order_acquire)) {
         _hold.store(self.hold, std::memory_order_relaxed);
         return true;
     }

@@ -1,0 +1,30 @@
+#pragma once
+
+#include "GUID.h"
+#include "LYRSysTSInterfaceFactory.h"
+
+class LYRSysTSMetaClassBase;
+
+namespace lyr {
+
+/// The answers that the factory tables of all classes have given lately, so that a request which is
+/// made over and over finds its answer without the lock and the search of a table. An answer never
+/// changes while its meta-object lives; the tables stay the truth, and what is pushed out of here
+/// is found there again. Any thread may call at any time.
+class FactoryCache {
+public:
+    FactoryCache() = delete;
+
+    /// The answer of the table of `metaObject` for `iid`, _LYRSysTSNoSuchInterface included; null
+    /// when it is not here.
+    static LYRSysTSInterfaceFactory Find(const LYRSysTSMetaClassBase* metaObject, const GUID& iid);
+
+    /// Keeps an answer, in the place of another one.
+    static void Keep(const LYRSysTSMetaClassBase* metaObject, const GUID& iid,
+                     LYRSysTSInterfaceFactory factory);
+
+    /// Drops the answers of a meta-object that is going away, before another one takes its address.
+    static void Forget(const LYRSysTSMetaClassBase* metaObject);
+};
+
+}  // namespace lyr
