@@ -10,7 +10,7 @@ class LYRSysTSMetaClassBase;
 /// Every operation may be called by any thread, and none throws.
 class LYR_EXPORT LYRSysTSMetaClass {
 public:
-    LYRSysTSMetaClass() = default;
+    LYRSysTSMetaClass();
     LYRSysTSMetaClass(const LYRSysTSMetaClass&) = delete;
     LYRSysTSMetaClass& operator=(const LYRSysTSMetaClass&) = delete;
 

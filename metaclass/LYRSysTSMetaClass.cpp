@@ -1,5 +1,7 @@
 #include "LYRSysTSMetaClass.h"
 
+LYRSysTSMetaClass::LYRSysTSMetaClass() = default;
+
 LYRSysTSMetaClass::~LYRSysTSMetaClass() = default;
 
 int LYRSysTSMetaClass::IsAKindOf(const LYRSysTSMetaClass* other) const {

@@ -1,6 +1,5 @@
-#include "LYRMutex.h"
+#include "LYRSmartMutex.h"
 
-#include <bit>
 #include <climits>
 #include <pthread.h>
 #include <system_error>
@@ -79,7 +78,7 @@ struct Identity {
 /// addresses have 48 unless a program asks the kernel for more. Unlike the
 /// kernel's number of the thread, it costs no call of the system.
 Identity Self() {
-    const auto unit = std::bit_cast<std::uint64_t>(__builtin_thread_pointer()) >> 6;
+    const auto unit = reinterpret_cast<std::uintptr_t>(__builtin_thread_pointer()) >> 6;
     return {kHeld | static_cast<std::uint32_t>(unit << (32 - kLowBits)),
             kHoldTaken | static_cast<std::uint32_t>(unit >> kLowBits) << kNestingBits};
 }
@@ -165,6 +164,10 @@ void Destroyed(void*) {}
 }  // namespace
 
 static_assert(std::atomic<std::uint32_t>::is_always_lock_free);
+
+LYRMutex::LYRMutex(bool holdsLock) noexcept : _state(holdsLock ? kUnlocked : kNoLock) {}
+
+LYRSmartMutex::LYRSmartMutex(int withoutLock) noexcept : LYRMutex(withoutLock == 0) {}
 
 // Out of line, and an exchange: a compiler may drop a plain store into a dying
 // object, and a waiter may set kWaiters at any moment before it.

@@ -84,11 +84,11 @@ private:
 
 /// Whether `address` lies in the library that `handle` stands for, and not in a dependency of it.
 bool IsDefinedBy(void* handle, const void* address) {
-    link_map* map = nullptr;
-    Dl_info library{};
-    Dl_info owner{};
-    return ::dlinfo(handle, RTLD_DI_LINKMAP, &map) == 0 && ::dladdr(map->l_ld, &library) != 0 &&
-           ::dladdr(address, &owner) != 0 && owner.dli_fbase == library.dli_fbase;
+    link_map* library = nullptr;
+    void* owner = nullptr;
+    Dl_info info{};
+    return ::dlinfo(handle, RTLD_DI_LINKMAP, &library) == 0 &&
+           ::dladdr1(address, &info, &owner, RTLD_DL_LINKMAP) != 0 && owner == library;
 }
 
 }  // namespace

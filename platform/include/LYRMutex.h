@@ -29,7 +29,7 @@ public:
     void UnlockF() LYR_RELEASE();
 
 protected:
-    explicit LYRMutex(bool holdsLock) noexcept : _state(holdsLock ? kUnlocked : kNoLock) {}
+    explicit LYRMutex(bool holdsLock) noexcept;
     ~LYRMutex();
 
     static constexpr std::uint32_t kNoLock = 0;

@@ -7,7 +7,7 @@ class LYR_EXPORT LYRSmartMutex : public LYRMutex {
 public:
     /// 0 builds a mutex that holds a lock; any other value builds one that holds none, whose
     /// LockF and UnlockF do nothing. Allocates nothing.
-    explicit LYRSmartMutex(int withoutLock) noexcept : LYRMutex(withoutLock == 0) {}
+    explicit LYRSmartMutex(int withoutLock) noexcept;
 
     /// Whether there is a lock in it. The answer never changes while the mutex lives.
     bool HoldsLock() const noexcept { return _state.load(std::memory_order_relaxed) != kNoLock; }

@@ -31,7 +31,7 @@ TEST(FactorySearch, FollowsTheFilesThroughARealLibrary) {
         auto* record = Dictionary::QueryDictionary("Gadget", ("I" + std::to_string(i)).c_str(), 0);
         EXPECT_EQ(Find(*gadget->GetClassId(), Id(i)), i < 3 ? record : nullptr) << i;
         const std::string name = "LYRSysTSCreate" + entryPoints[i];
-        void* address = Libraries::GetFunctionAddress("LyrTestParts", name.c_str());
+        void* address = LYRThrLibraryManager::GetFunctionAddress("LyrTestParts", name.c_str());
         EXPECT_EQ(reinterpret_cast<void*>(found), address) << i;
     }
 }

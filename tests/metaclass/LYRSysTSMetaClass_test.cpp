@@ -18,9 +18,10 @@ TEST(MetaClass, KindOfPassesOverClassesWithoutNameOrIdAndDestructFreesTheList) {
 TEST(MetaObjects, OnePerNameRecordedByNameAndIdInOneRecord) {
     UseDictionaryPath("");
     Record* record = Add("Gadget", "MetaObject", "Lib");
-    auto* meta = Class("Gadget", ImplementationClass, Class("Base"), 1);
+    auto* meta = Class("Gadget", ImplementationClass, Class("Base", PlainClass, nullptr, 2), 1);
     EXPECT_TRUE(Class("Gadget") == meta && Dictionary::QueryMetaObject("Gadget") == meta);
     EXPECT_EQ(Find(Id(1), CLSID_LYRSysTSMetaClass), record);
+    EXPECT_EQ(Find(Id(2), CLSID_LYRSysTSMetaClass), Add("Base", "MetaObject"));
     ExpectErrors(kRefused, [&] { EXPECT_NE(Class("Second", PlainClass, nullptr, 1), meta); });
     EXPECT_NE(Dictionary::QueryMetaObject("Second"), nullptr);
     EXPECT_EQ(Dictionary::QueryMetaObject(Id(1)), meta);
@@ -29,13 +30,14 @@ TEST(MetaObjects, OnePerNameRecordedByNameAndIdInOneRecord) {
     EXPECT_NE(Class("Gadget"), Class("Gadget"));
 }
 
-TEST(MetaObjects, TypeSelectsTheKindAndMadeUpIdsCountAcrossBothMakers) {
+TEST(MetaObjects, TypeSelectsTheKindEveryCallMayExtendAndMadeUpIdsCount) {
     std::string kinds;
     for (int type = 0; type < 7; ++type) {
         auto* meta = Class(std::to_string(type), type)->ToMetaClassBase();
-        auto* extension = meta->CastToMetaExtension();
-        kinds += extension ? 'e' : dynamic_cast<LYRSysTSMetaClassImpl*>(meta) ? 'i' : '-';
-        EXPECT_TRUE(extension == nullptr || extension->GetExtensionType() == type);
+        auto* ext = meta->CastToMetaExtension();
+        kinds += ext ? 'e' : dynamic_cast<LYRSysTSMetaClassImpl*>(meta) ? 'i' : '-';
+        LYRSysTSFindOrCreateMetaObject(meta->IsA(), PlainClass, nullptr, nullptr, "0");
+        EXPECT_TRUE(!ext || (ext->GetExtensionType() == type && ext->IsExtensionOf(Class("0"))));
         EXPECT_EQ(*meta->GetClassId(), G(static_cast<unsigned>(2 * type + 1)));
         EXPECT_EQ(Class("LYRNull"), nullptr);
         EXPECT_EQ(*Dictionary::_CreateCLSID(), G(static_cast<unsigned>(2 * type + 2)));

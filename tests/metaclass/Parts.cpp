@@ -19,6 +19,5 @@ extern "C" LYR_EXPORT HRESULT LYRSysTSDllGetClassObject(const GUID& c, const GUI
 }
 
 const LYRSysTSMetaClass* const kExtensions[] = {
-    LYRSysTSFindOrCreateMetaObject("OtherExt", TransientExtension, nullptr, nullptr, "Other"),
-    LYRSysTSFindOrCreateMetaObject("GadgetExt", KeptExtension, nullptr, nullptr, "Other"),
-    LYRSysTSFindOrCreateMetaObject("GadgetExt", PlainClass, nullptr, nullptr, "Gadget")};
+    LYRSysTSFindOrCreateMetaObject("GadgetExt", KeptExtension, nullptr, nullptr, "Gadget"),
+    LYRSysTSFindOrCreateMetaObject("OtherExt", TransientExtension, nullptr, nullptr, "Other")};

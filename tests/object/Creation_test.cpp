@@ -14,7 +14,7 @@ TEST(Creation, ByIdHandsTheArgumentsOnAndByNameTheRegisteredFunctionComesFirst) 
     EXPECT_TRUE(create("Thing", nullptr));
     EXPECT_FALSE(create("Thing", "LyrNoSuchLibrary") || create("Unknown", nullptr));
     EXPECT_FALSE(create("Unknown", "LyrTestParts") || create(nullptr, "LyrTestParts"));
-    void* function = Libraries::GetFunctionAddress("LyrTestParts", "fctLYRSysTSCreateThing");
-    Add("Other", "CreateInterface", nullptr, nullptr, nullptr, reinterpret_cast<Factory>(function));
+    void* make = LYRThrLibraryManager::GetFunctionAddress("LyrTestParts", "fctLYRSysTSCreateThing");
+    Add("Other", "CreateInterface", nullptr, nullptr, nullptr, reinterpret_cast<Factory>(make));
     EXPECT_TRUE(create("Other", "LyrNoSuchLibrary"));
 }

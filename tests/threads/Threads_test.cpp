@@ -44,7 +44,7 @@ TEST(Threads, ReadTheFilesOnceAndFindTheFactory) {
 
 TEST(Threads, ShareOneObjectUntilTheLastRelease) {
     auto* meta = Class("Kept", KeptExtension);
-    for (int round = 0; round < 100; ++round) {
+    for (int round = 0; round < 200; ++round) {
         auto* object = new TestObject(true, Impl("Gadget"));
         for (int i = 1; i < 8; ++i) object->AddRef();
         int tieCount = 0;
@@ -52,9 +52,10 @@ TEST(Threads, ShareOneObjectUntilTheLastRelease) {
             Object* const kept = MakeTie(object, meta, &TestObject::MakeKept);
             Object* implementation = kept;
             unsigned char mustDelete = 0;
-            Tie::Tie_AddRef(tieCount, kept);
-            object->Release();
+            const bool tieIsLast = Tie::Tie_AddRef(tieCount, kept) % 2 == 0;
+            if (tieIsLast) object->Release();
             Tie::Tie_Release(tieCount, implementation, mustDelete);
+            if (!tieIsLast) object->Release();
             return kept;
         });
         EXPECT_EQ(tieCount, 0);

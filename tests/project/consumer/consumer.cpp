@@ -1,5 +1,4 @@
-#include "NamedTie.h"
-
+#include <LYRComponentModel.h>
 #include <cstdio>
 
 namespace {
@@ -20,14 +19,15 @@ public:
 };
 
 IUnknown* CreateIPoint(LYRSysTSBaseUnknown* object, unsigned char) {
-    return new NamedTie(object, "from the application");
+    std::puts("from the application");
+    return object;
 }
 
-bool Show(Point* point, const IID& iid) {
-    void* named = nullptr;
-    if (point->QueryInterface(iid, &named) != S_OK) return false;
-    std::puts(static_cast<INamed*>(named)->Name());
-    return static_cast<INamed*>(named)->Release() == 0;
+/// Whether the point has the interface, which the factory makes the point itself.
+bool Answers(IUnknown* point, const IID& iid) {
+    void* interface = nullptr;
+    return point->QueryInterface(iid, &interface) == S_OK && interface == point &&
+           point->Release() == 1;
 }
 
 }  // namespace
@@ -35,7 +35,7 @@ bool Show(Point* point, const IID& iid) {
 int main() {
     LYRSysTSDictionary::AddDictionaryTS(&kPoint, &kIPoint, "Point", "IPoint", "consumer",
                                         CreateIPoint, 0);
-    auto* point = new Point;
-    const bool shown = Show(point, kIPoint) && Show(point, kIPointView);
-    return shown && point->Release() == 0 ? 0 : 1;
+    IUnknown* point = new Point;
+    const bool answered = Answers(point, kIPoint) && Answers(point, kIPointView);
+    return answered && point->Release() == 0 ? 0 : 1;
 }

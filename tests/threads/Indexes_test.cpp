@@ -1,0 +1,131 @@
+// The tables are the truth; the indexes and the cache beside them must never say anything else. The
+// tables are private and exported, so they are found by their symbols and walked here.
+#include "../metaclass/TestClasses.h"
+
+#include <dlfcn.h>
+#include <latch>
+#include <random>
+#include <set>
+#include <thread>
+
+constexpr int kThreads = 4;
+constexpr int kNames = 3000;
+
+template <typename Link, typename Visit>
+std::size_t Walk(const char* symbol, Visit visit) {
+    auto** const heads = static_cast<Link**>(dlsym(RTLD_DEFAULT, symbol));
+    std::size_t count = 0;
+    for (int bucket = 0; bucket < 4096; ++bucket) {
+        for (Link* link = heads[bucket]; link != nullptr; link = link->next, ++count) {
+            visit(bucket, *link);
+        }
+    }
+    return count;
+}
+
+std::string NameOf(unsigned number) {
+    return std::string(number % 7, 'x') + std::to_string(number);
+}
+
+/// Four threads intern names and ids and register pairs in random order, each several times.
+void FillAtRandom() {
+    std::vector<std::jthread> threads;
+    std::latch start(kThreads);
+    for (unsigned t = 0; t < kThreads; ++t) {
+        threads.emplace_back([&start, t] {
+            std::mt19937 random(t);
+            start.arrive_and_wait();
+            for (int i = 0; i < 2 * kNames; ++i) {
+                const auto number = static_cast<unsigned>(random() % kNames);
+                const std::string name = NameOf(number);
+                const GUID id = G(number % 5, static_cast<std::uint16_t>(number));
+                Record* const record = Dictionary::AddDictionaryTS(&id, &id, name.c_str(), "I", "L",
+                                                                   Creator(number + 1), 0);
+                EXPECT_TRUE(record == nullptr || record == Find(name.c_str()));
+                LYRSysTSDicoString::AddStringInDico(name.c_str());
+            }
+        });
+    }
+}
+
+void ExpectStoresAgree() {
+    const DicoStringNode* last = nullptr;
+    int lastBucket = -1;
+    std::set<std::string> names;
+    const std::size_t strings = Walk<DicoStringNode>(
+        "_ZN18LYRSysTSDicoString11_DicoStringE", [&](int bucket, DicoStringNode& node) {
+            int length = 0;
+            EXPECT_EQ(LYRSysTSDicoString::_ComputeStringKey(node.text, length), bucket);
+            EXPECT_EQ(LYRSysTSDicoString::AddStringInDico(node.text), node.text);
+            EXPECT_TRUE(names.insert(node.text).second) << "twice: " << node.text;
+            if (bucket == lastBucket) {
+                EXPECT_TRUE(last->length > length ||
+                            (last->length == length && std::strcmp(last->text, node.text) < 0));
+            }
+            last = &node;
+            lastBucket = bucket;
+        });
+    EXPECT_GT(strings, kNames / 2);
+    EXPECT_GT(
+        Walk<DicoGUIDNode>("_ZN16LYRSysTSDicoGUID9_DicoGUIDE",
+                           [](int bucket, DicoGUIDNode& node) {
+                               EXPECT_EQ(LYRSysTSDicoGUID::_ComputeGUIDKey(&node.guid), bucket);
+                               EXPECT_EQ(LYRSysTSDicoGUID::AddGUIDInDico(&node.guid), &node.guid);
+                           }),
+        kNames / 2);
+}
+
+TEST(Indexes, NeverDisagreeWithTheTables) {
+    FillAtRandom();
+    ExpectStoresAgree();
+    const auto byName = Walk<DicEntryLink>(
+        "_ZN18LYRSysTSDictionary10_dicByNameE", [](int bucket, DicEntryLink& link) {
+            EXPECT_EQ(Dictionary::_ComputeHashKey(link.info->className, "I"), bucket);
+            EXPECT_EQ(Find(link.info->className), link.info);
+        });
+    const auto byId = Walk<DicEntryLink>(
+        "_ZN18LYRSysTSDictionary10_dicByGUIDE", [](int bucket, DicEntryLink& link) {
+            EXPECT_EQ(Dictionary::_ComputeHashKey(link.info->clsid, link.info->iid), bucket);
+            EXPECT_EQ(Find(*link.info->clsid, *link.info->iid), link.info);
+        });
+    EXPECT_EQ(byName, byId);
+
+    Dictionary::_DeleteDictionary();
+    LYRSysTSDicoString::_FreeDictionary();
+    LYRSysTSDicoGUID::_FreeDictionary();
+    EXPECT_EQ(Find(NameOf(1).c_str()), nullptr);
+    for (int i = 0; i < kNames; ++i) {
+        const GUID id = G(static_cast<std::uint32_t>(i));
+        LYRSysTSDicoString::AddStringInDico(NameOf(static_cast<unsigned>(i)).c_str());
+        LYRSysTSDicoGUID::AddGUIDInDico(&id);
+    }
+    ExpectStoresAgree();
+}
+
+TEST(Indexes, TheCacheForgetsWithTheMetaObject) {
+    ::setenv("LYRDictionaryPath", "", 1);
+    for (unsigned round = 0; round < 20; ++round) {
+        std::vector<LYRSysTSMetaClassImpl*> classes;
+        const GUID clsid = G(round, 1);
+        for (unsigned c = 0; c < 40; ++c) {
+            classes.push_back(new LYRSysTSMetaClassImpl(&clsid, "C", nullptr));
+            for (unsigned i = 0; i < 8; ++i) {
+                classes[c]->_AddInterfaceFactory(G(i, 2), Creator(1 + round + 100 * (c + 40 * i)));
+            }
+        }
+        std::vector<std::jthread> threads;
+        for (unsigned t = 0; t < kThreads; ++t) {
+            threads.emplace_back([&classes, round, t] {
+                std::mt19937 random(t);
+                for (int i = 0; i < 3000; ++i) {
+                    const auto c = static_cast<unsigned>(random() % 40);
+                    const auto k = static_cast<unsigned>(random() % 9);
+                    EXPECT_EQ(classes[c]->QueryDerivationInterfaceFactory(G(k, 2)),
+                              k == 8 ? nullptr : Creator(1 + round + 100 * (c + 40 * k)));
+                }
+            });
+        }
+        threads.clear();
+        LYRSysTSMetaClassBase::Destruct();  // the next round's classes take the same addresses
+    }
+}
