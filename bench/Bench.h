@@ -10,33 +10,27 @@
 #include <sys/single_threaded.h>
 #include <thread>
 #include <unistd.h>
-#include <utility>
 
 namespace bench {
 
-/// What there is beside a thread that is measured. While a process has one thread, the C library,
-/// the C++ library and this one leave out what only several threads need; most programs have more.
+/// What there is beside the threads that are measured. While a process has one thread, the C
+/// library, the C++ library and this one leave out what only several threads need.
 enum class Company { kNone, kThreads };
 
-/// A thread that does nothing but exist.
-class Companion {
-public:
-    Companion() = default;
-    Companion(const Companion&) = delete;
-    Companion& operator=(const Companion&) = delete;
-    ~Companion() { _stop.release(); }
+/// Both in the order of measuring: a process never forgets that it had a second thread.
+constexpr Company kCompanies[] = {Company::kNone, Company::kThreads};
 
-    static void Start(const benchmark::State&) { static const Companion companion; }
+/// Lets there be, from now on, a thread that does nothing but exist.
+inline void StartCompanion(const benchmark::State&) {
+    static std::binary_semaphore end(0);
+    static const struct Companion {
+        std::jthread thread{[] { end.acquire(); }};
+        ~Companion() { end.release(); }
+    } companion;
+}
 
-private:
-    std::binary_semaphore _stop{0};
-    std::jthread _thread{[this] { _stop.acquire(); }};
-};
-
-/// Registers `run` as a benchmark: without company in one thread, as "<name>/alone", otherwise in
-/// each number of threads. The first kind has to be registered before the second, since nobody
-/// forgets that there was a second thread. All times are wall times; those of several threads are
-/// told per operation of any of them.
+/// Registers `run`: without company in one thread, as "<name>/alone", else in each of the numbers
+/// of threads. All times are wall times; with several threads, that per operation of any of them.
 template <typename Run>
 void Register(Company company, const std::string& name, Run run,
               std::initializer_list<int> threads = {1}) {
@@ -48,33 +42,48 @@ void Register(Company company, const std::string& name, Run run,
         benchmark::RegisterBenchmark((name + "/alone").c_str(), runAlone)->UseRealTime();
         return;
     }
-    auto* const made = benchmark::RegisterBenchmark(name.c_str(), run)->UseRealTime();
-    made->Setup(Companion::Start);
+    auto* const made = benchmark::RegisterBenchmark(name.c_str(), run);
+    made->UseRealTime()->Setup(StartCompanion);
     for (const int count : threads) made->Threads(count);
 }
 
-/// Fails the benchmark when it has measured something else than it was to.
+/// Registers what a process can do once only, `times` times, in one thread beside another.
+template <typename Run>
+void RegisterOnce(const std::string& name, Run run, int times = 1) {
+    auto* const made = benchmark::RegisterBenchmark(name.c_str(), run);
+    made->UseRealTime()->Setup(StartCompanion)->Iterations(times);
+}
+
+template <typename Work>
+void Repeat(benchmark::State& state, const Work& work) {
+    for (auto _ : state) work();
+}
+
+/// Tells the time per each of the `count` pieces of work in an iteration.
+inline void CountEach(benchmark::State& state, std::size_t count) {
+    using benchmark::Counter;
+    state.counters["each"] = {static_cast<double>(count),
+                              Counter::kIsIterationInvariantRate | Counter::kInvert};
+}
+
+/// Fails a benchmark that has not done what it measures.
 inline void Expect(benchmark::State& state, bool condition) {
     if (!condition) state.SkipWithError("it has not done what it measures");
 }
 
-/// The programs that grow with a size take it as their argument.
+/// The argument of a program that measures up to a size.
 inline std::size_t SizeArgument(int argc, char** argv) {
     return argc > 1 ? std::strtoul(argv[1], nullptr, 10) : 10'000;
 }
 
 /// A directory that is gone at the end.
-class TemporaryDirectory {
-public:
-    TemporaryDirectory() { std::filesystem::create_directory(_path); }
-    ~TemporaryDirectory() { std::filesystem::remove_all(_path); }
+struct TemporaryDirectory {
+    TemporaryDirectory() { std::filesystem::create_directory(path); }
+    ~TemporaryDirectory() { std::filesystem::remove_all(path); }
     TemporaryDirectory(const TemporaryDirectory&) = delete;
     TemporaryDirectory& operator=(const TemporaryDirectory&) = delete;
 
-    const std::filesystem::path& Path() const { return _path; }
-
-private:
-    std::filesystem::path _path =
+    const std::filesystem::path path =
         std::filesystem::temp_directory_path() / ("lyr-bench-" + std::to_string(::getpid()));
 };
 

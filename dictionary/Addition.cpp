@@ -1,4 +1,4 @@
-#include "Addition.h"
+#include "dictionary/Addition.h"
 
 #include "registries/Intern.h"
 #include "support/MemoryShortage.h"
@@ -28,43 +28,45 @@ const char* WithoutLib(const char* library) {
 
 Addition::Addition(const char* className, const char* interfaceName, const char* sharedLibrary,
                    const char* itfLeaf, const char* extendedBy, LYRSysTSInterfaceFactory creator)
-    : _table(DictionaryTables::byName),
+    : _isByName(true),
       _hash(DictionaryTables::Hash(className, interfaceName)),
       _bucket(LYRSysTSDictionary::_ComputeHashKey(className, interfaceName)) {
-    _wanted.className = className;
-    _wanted.interfaceName = interfaceName;
-    _wanted.sharedLibrary = WithoutLib(sharedLibrary);
-    _wanted.itfLeaf = itfLeaf;
-    _wanted.extendedBy = extendedBy;
-    _wanted.creator = creator;
+    _given.className = className;
+    _given.interfaceName = interfaceName;
+    _given.sharedLibrary = WithoutLib(sharedLibrary);
+    _given.itfLeaf = itfLeaf;
+    _given.extendedBy = extendedBy;
+    _given.creator = creator;
 }
 
 Addition::Addition(const GUID& clsid, const GUID& iid, LYRSysTSInterfaceFactory creator)
-    : _table(DictionaryTables::byGUID),
+    : _isByName(false),
       _hash(DictionaryTables::Hash(clsid, iid)),
       _bucket(LYRSysTSDictionary::_ComputeHashKey(&clsid, &iid)) {
-    _wanted.clsid = &clsid;
-    _wanted.iid = &iid;
-    _wanted.creator = creator;
+    _given.clsid = &clsid;
+    _given.iid = &iid;
+    _given.creator = creator;
+}
+
+LYRSysTSInfoDic* Addition::Existing() const {
+    if (!_isByName) return DictionaryTables::Find(_hash, *_given.clsid, *_given.iid);
+    return DictionaryTables::Find(_hash, _given.className, _given.interfaceName);
+}
+
+EntryTable& Addition::Table() const {
+    return _isByName ? DictionaryTables::byName : DictionaryTables::byGUID;
 }
 
 bool Addition::Prepare(LYRSysTSInfoDic* info) {
-    LYRSysTSInfoDic* const existing = FindEntry();
+    LYRSysTSInfoDic* const existing = Existing();
     LYRSysTSInfoDic* const record = ChooseRecord(existing, info);
     if (record == nullptr || ContradictsRecord(*record) || !InternMissing(*record)) return false;
     if (existing == nullptr) {
         _newLink = std::make_unique<DicEntryLink>(DicEntryLink{record, nullptr});
-        if (!_table.index.Reserve()) throw std::bad_alloc();
+        if (!Table().index.Reserve()) throw std::bad_alloc();
     }
     _record = record;
     return true;
-}
-
-LYRSysTSInfoDic* Addition::FindEntry() const {
-    if (_wanted.className == nullptr) {
-        return DictionaryTables::Find(_hash, *_wanted.clsid, *_wanted.iid);
-    }
-    return DictionaryTables::Find(_hash, _wanted.className, _wanted.interfaceName);
 }
 
 LYRSysTSInfoDic* Addition::ChooseRecord(LYRSysTSInfoDic* existing, LYRSysTSInfoDic* info) {
@@ -76,32 +78,26 @@ LYRSysTSInfoDic* Addition::ChooseRecord(LYRSysTSInfoDic* existing, LYRSysTSInfoD
 
 bool Addition::ContradictsRecord(const LYRSysTSInfoDic& record) const {
     for (const auto field : kIds) {
-        const GUID* const stored = LoadShared(record.*field);
-        if (stored != nullptr && _wanted.*field != nullptr && *stored != *(_wanted.*field)) {
-            return true;
-        }
+        if (record.*field == nullptr || _given.*field == nullptr) continue;
+        if (*(record.*field) != *(_given.*field)) return true;
     }
     for (const auto field : kTexts) {
-        const char* const stored = LoadShared(record.*field);
-        if (stored != nullptr && _wanted.*field != nullptr && !SameText(stored, _wanted.*field)) {
-            return true;
-        }
+        if (record.*field == nullptr || _given.*field == nullptr) continue;
+        if (!SameText(record.*field, _given.*field)) return true;
     }
     const LYRSysTSInterfaceFactory stored = record.creator;
-    const LYRSysTSInterfaceFactory wanted = _wanted.creator;
-    return stored != nullptr && wanted != nullptr && stored != wanted;
+    const LYRSysTSInterfaceFactory given = _given.creator;
+    return stored != nullptr && given != nullptr && stored != given;
 }
 
 bool Addition::InternMissing(const LYRSysTSInfoDic& record) {
     for (const auto field : kIds) {
-        const bool isSet = LoadShared(record.*field) != nullptr;
-        _wanted.*field = isSet ? nullptr : InternGUID(_wanted.*field);
+        if (record.*field == nullptr) _missing.*field = InternGUID(_given.*field);
     }
     for (const auto field : kTexts) {
-        const char* const wanted = _wanted.*field;
-        const bool isSet = LoadShared(record.*field) != nullptr;
-        _wanted.*field = isSet ? nullptr : InternText(wanted);
-        if (!isSet && wanted != nullptr && _wanted.*field == nullptr) return false;
+        if (record.*field != nullptr || _given.*field == nullptr) continue;
+        _missing.*field = InternText(_given.*field);
+        if (_missing.*field == nullptr) return false;
     }
     return true;
 }
@@ -109,16 +105,24 @@ bool Addition::InternMissing(const LYRSysTSInfoDic& record) {
 void Addition::Commit() {
     if (_record == nullptr) return;
     for (const auto field : kIds) {
-        if (_wanted.*field != nullptr) StoreShared(_record->*field, _wanted.*field);
+        if (_missing.*field != nullptr) StoreShared(_record->*field, _missing.*field);
     }
     for (const auto field : kTexts) {
-        if (_wanted.*field != nullptr) StoreShared(_record->*field, _wanted.*field);
+        if (_missing.*field != nullptr) StoreShared(_record->*field, _missing.*field);
     }
     // Last, so that whoever sees the creator without the lock also sees its library.
-    const LYRSysTSInterfaceFactory creator = _wanted.creator;
+    const LYRSysTSInterfaceFactory creator = _given.creator;
     if (creator != nullptr && _record->creator == nullptr) _record->creator = creator;
-    if (_newLink != nullptr) _table.Append(_bucket, _hash, _newLink.release());
+    if (_newLink != nullptr) Table().Append(_bucket, _hash, _newLink.release());
     static_cast<void>(_newRecord.release());
+}
+
+void PairedAddition::Make(bool withIds) {
+    if (withIds && !byIds.Prepare(byNames.Existing())) ++refusals;
+    if (!byNames.Prepare(byIds.Record())) ++refusals;
+    // The names bring the library, the ids a creator.
+    byNames.Commit();
+    byIds.Commit();
 }
 
 LYRSysTSInfoDic* Add(Addition& addition, LYRSysTSInfoDic* info) {
@@ -131,12 +135,12 @@ LYRSysTSInfoDic* Add(Addition& addition, LYRSysTSInfoDic* info) {
     } catch (const std::bad_alloc&) {
         ++memoryShortages;
     }
-    if (addition.Record() == nullptr) SayRefused();
+    if (addition.Record() == nullptr) SayRefused(1);
     return addition.Record();
 }
 
-void SayRefused() {
-    std::fputs("Problem allocating structure dico\n", stderr);
+void SayRefused(int times) {
+    for (; times > 0; --times) std::fputs("Problem allocating structure dico\n", stderr);
 }
 
 }  // namespace lyr

@@ -1,14 +1,14 @@
 #pragma once
 
-#include "DictionaryTables.h"
+#include "dictionary/DictionaryTables.h"
 
 #include <memory>
 
 namespace lyr {
 
-/// One addition to one table of the dictionary. Made before the lock is taken, it goes in two
-/// steps under one hold of it: Prepare does all that can be refused or fail, and changes nothing
-/// that others see; Commit cannot fail. Destroying it between the two leaves everything as it was.
+/// One addition to one table of the dictionary. It goes in two steps under one hold of the lock:
+/// Prepare, once, does all that can be refused or fail, and changes nothing that others see; Commit
+/// cannot fail. Destroying it between the two leaves everything as it was.
 class Addition {
 public:
     /// By names and by ids. The arguments must outlive the object; the names and ids that make the
@@ -16,6 +16,9 @@ public:
     Addition(const char* className, const char* interfaceName, const char* sharedLibrary,
              const char* itfLeaf, const char* extendedBy, LYRSysTSInterfaceFactory creator);
     Addition(const GUID& clsid, const GUID& iid, LYRSysTSInterfaceFactory creator);
+
+    /// The record that is registered under the key by now, or null.
+    LYRSysTSInfoDic* Existing() const LYR_REQUIRES(GetGlobalDicoMutex());
 
     /// False when the dictionary refuses the addition; throws std::bad_alloc. `info`, which may be
     /// null, is the record to work on; it may be one that another prepared addition is to make.
@@ -28,25 +31,41 @@ public:
     void Commit() LYR_REQUIRES(GetGlobalDicoMutex());
 
 private:
-    LYRSysTSInfoDic* FindEntry() const LYR_REQUIRES(GetGlobalDicoMutex());
     LYRSysTSInfoDic* ChooseRecord(LYRSysTSInfoDic* existing, LYRSysTSInfoDic* info);
     bool ContradictsRecord(const LYRSysTSInfoDic& record) const;
     bool InternMissing(const LYRSysTSInfoDic& record);
 
-    EntryTable& _table;
+    EntryTable& Table() const LYR_REQUIRES(GetGlobalDicoMutex());
+
+    const bool _isByName;
     const std::size_t _hash;
     const int _bucket;
-    LYRSysTSInfoDic _wanted;  // what the addition gives, null where it gives nothing
+    LYRSysTSInfoDic _given;    // what the caller gives; null where it gives nothing
+    LYRSysTSInfoDic _missing;  // of that, interned, what the record still lacks
     LYRSysTSInfoDic* _record = nullptr;
     std::unique_ptr<LYRSysTSInfoDic> _newRecord;
     std::unique_ptr<DicEntryLink> _newLink;
+};
+
+/// The additions of one record by ids and by names, made together: others see no state between the
+/// two, and a creator never without the library that comes with it.
+struct PairedAddition {
+    Addition byIds;
+    Addition byNames;
+    int refusals = 0;
+
+    /// Prepares both, the ids (unless left out) on the record that the names already have, the
+    /// names on the record of the ids, and then makes them. A half that is refused is left out and
+    /// counted. Throws std::bad_alloc with nothing changed.
+    void Make(bool withIds) LYR_REQUIRES(GetGlobalDicoMutex());
 };
 
 /// Makes one addition under the lock. Its record; null, and a word on standard error, when it is
 /// refused or memory is out; null without one when the dictionary is closed.
 LYRSysTSInfoDic* Add(Addition& addition, LYRSysTSInfoDic* info);
 
-/// Says on standard error that the dictionary has refused an addition. Called without the lock.
-void SayRefused();
+/// Says on standard error, so many times, that the dictionary has refused an addition. Called
+/// without the lock.
+void SayRefused(int times);
 
 }  // namespace lyr

@@ -11,7 +11,6 @@
 #include <cstdint>
 #include <cstdlib>
 #include <dirent.h>
-#include <memory>
 #include <new>
 #include <string>
 
@@ -64,7 +63,8 @@ void ReadFile(const std::string& path) {
     LYRSysTSClsidReader clsidReader;
     LYRSysTSDictionaryReader* const readers[] = {nullptr, &dicReader, &iidReader, &clsidReader};
     const int kind = LYRSysTSDictionary::_SelectionByExt(path.c_str());
-    // A file that cannot be read to its end has said why; the scan goes on with the next one.
+    // A file that cannot be opened and a bad line have said why; the scan goes on with the next
+    // file.
     static_cast<void>(LYRSysTSDictionary::_ReadDictionary(path.c_str(), readers[kind]));
 }
 
@@ -72,14 +72,16 @@ void ScanDirectory(const std::string& directory) LYR_REQUIRES(GetGlobalDicoMutex
     const Listing listing(directory.c_str());
     for (const dirent* entry : listing) {
         // Noted before it is opened: a file that cannot be read hides those of later directories.
-        if (!NoteReadFile(InternText(entry->d_name))) continue;
+        if (!NoteReadFile(entry->d_name)) continue;
         ReadFile(directory + "/" + entry->d_name);
     }
 }
 
 }  // namespace
 
-bool NoteReadFile(const char* internedName) {
+bool NoteReadFile(const char* name) {
+    const char* const internedName = InternText(name);
+    if (internedName == nullptr) return true;
     ReadFileLink*& head =
         DictionaryTables::ReadFiles()[reinterpret_cast<std::uintptr_t>(internedName) &
                                       (kReadFileBuckets - 1)];
@@ -91,6 +93,7 @@ bool NoteReadFile(const char* internedName) {
 }
 
 bool ScanDictionaryFiles(const char* path) {
+    const unsigned shortages = memoryShortages;
     try {
         const ReadFiles readFiles;
         std::string directories(path);
@@ -99,11 +102,10 @@ bool ScanDictionaryFiles(const char* path) {
              directory != nullptr; directory = LYRSysTSStrtok(nullptr, ":", &save)) {
             ScanDirectory(directory);
         }
-        return true;
     } catch (const std::bad_alloc&) {
         ++memoryShortages;
-        return false;
     }
+    return memoryShortages == shortages;
 }
 
 }  // namespace lyr

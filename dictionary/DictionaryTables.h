@@ -8,8 +8,7 @@
 
 namespace lyr {
 
-/// One of the two tables of the dictionary, with what stands beside it. Under the dictionary's
-/// lock.
+/// One of the two tables of the dictionary, with what stands beside it.
 struct EntryTable {
     DicEntryLink** heads;
     ChainTails<DicEntryLink, 4096> tails;
@@ -24,8 +23,8 @@ struct EntryTable {
 
 /// The dictionary's own state, for the sources that work on it.
 struct DictionaryTables {
-    static EntryTable byName;
-    static EntryTable byGUID;
+    static EntryTable byName LYR_GUARDED_BY(GetGlobalDicoMutex());
+    static EntryTable byGUID LYR_GUARDED_BY(GetGlobalDicoMutex());
 
     /// The hash of a pair in its index. It has nothing to do with the buckets.
     static std::size_t Hash(const char* className, const char* interfaceName);

@@ -19,23 +19,6 @@ std::uint32_t IdSum(const GUID* id) {
     return id != nullptr ? lyr::WeightedByteSum<signed char>(lyr::GuidBytes(*id), 1) : 0;
 }
 
-/// The two halves of a combined addition: by ids, when there is a creator, and by names.
-struct CombinedAddition {
-    lyr::Addition byIds;
-    lyr::Addition byNames;
-    bool idsRefused = false;
-    bool namesRefused = false;
-
-    /// Prepares both halves before either is made: others see a creator only with its library,
-    /// and a lack of memory leaves both tables alone.
-    void Make(LYRSysTSInfoDic* info, bool hasCreator) LYR_REQUIRES(GetGlobalDicoMutex()) {
-        idsRefused = hasCreator && !byIds.Prepare(info);
-        namesRefused = !byNames.Prepare(byIds.Record());
-        byNames.Commit();
-        byIds.Commit();
-    }
-};
-
 }  // namespace
 
 int LYRSysTSDictionary::_ComputeHashKey(const GUID* a, const GUID* b) {
@@ -66,19 +49,19 @@ LYRSysTSInfoDic* LYRSysTSDictionary::AddDictionaryTS(const GUID* clsid, const GU
 
     if (load == 1) EnsureInitDictionary();
     lyr::DictionaryTables::EnsureCleared();
-    CombinedAddition both{{*clsid, *iid, creator},
-                          {className, interfaceName, sharedLibrary, nullptr, nullptr, creator}};
+    lyr::PairedAddition both{{*clsid, *iid, creator},
+                             {className, interfaceName, sharedLibrary, nullptr, nullptr, creator}};
     try {
         const lyr::MutexGuard guard(*GetGlobalDicoMutex());
         if (_DictionaryDeleted) return nullptr;
-        both.Make(QueryDictionary(className, interfaceName, 0), creator != nullptr);
+        both.Make(creator != nullptr);
     } catch (const std::bad_alloc&) {
         ++lyr::memoryShortages;
-        both.namesRefused = true;
+        lyr::SayRefused(1);
+        return nullptr;
     }
-    if (both.idsRefused) lyr::SayRefused();
-    if (both.namesRefused) lyr::SayRefused();
-    return both.namesRefused ? nullptr : both.byNames.Record();
+    lyr::SayRefused(both.refusals);
+    return both.byNames.Record();
 }
 
 LYRSysTSInfoDic* LYRSysTSDictionary::QueryDictionary(const GUID& clsid, const GUID& iid,

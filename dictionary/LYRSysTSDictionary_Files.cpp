@@ -3,7 +3,6 @@
 #include "LYRSysTSDictionary.h"
 #include "LYRSysTSDictionaryReader.h"
 #include "LineWords.h"
-#include "registries/Intern.h"
 #include "support/MutexGuard.h"
 
 #include <cerrno>
@@ -65,7 +64,7 @@ int LYRSysTSDictionary::_DicoIsAlreadyRead(const char* name) {
     const lyr::MutexGuard guard(*GetGlobalDicoMutex());
     if (_readDicFiles == nullptr) return 0;
     try {
-        return lyr::NoteReadFile(lyr::InternText(name)) ? 0 : 1;
+        return lyr::NoteReadFile(name) ? 0 : 1;
     } catch (const std::bad_alloc&) {
         return 0;
     }

@@ -29,10 +29,10 @@ public:
     LYRSysTSBaseUnknown& operator=(const LYRSysTSBaseUnknown&) = delete;
 
     /// S_OK with the interface in `*out`; one count of this object goes with it. Otherwise `*out`
-    /// is null: E_NOINTERFACE when the class has no such interface or its factory gave none,
-    /// E_UNEXPECTED on an object whose count is 0 and on an extension without an extended object,
-    /// E_FAIL for a null `out`. The factory runs under the object's lock; what it throws passes
-    /// through, and leaves the lock free.
+    /// is null: E_NOINTERFACE when the class has no such interface, its factory gave none, or there
+    /// is no meta-object, E_UNEXPECTED on an object whose count is 0 and on an extension without an
+    /// extended object, E_FAIL for a null `out`. The factory runs under the object's lock; what it
+    /// throws passes through, and leaves the lock free.
     HRESULT QueryInterface(const GUID& iid, void** out) override;
     std::uint32_t AddRef() override;
     std::uint32_t Release() override;

@@ -6,7 +6,8 @@
 
 #include <atomic>
 
-/// The lock of LYRSysTSDicoGUID, never null. The store takes it itself; it is a leaf.
+/// The lock of LYRSysTSDicoGUID, never null. It guards the table, and is a leaf: the
+/// store takes it itself and calls nothing under it.
 LYR_EXPORT LYRSmartMutex* GetGlobalGUIDDicoMutex();
 
 /// The address of that lock, set while the library loads.
@@ -36,7 +37,7 @@ public:
     static void _ClearDictionary();
 
     /// Frees every copy: all addresses handed out before become invalid. For the very end of the
-    /// application; the store may be filled again.
+    /// application, with no other thread in the store; it may be filled again.
     static void _FreeDictionary();
 
 private:

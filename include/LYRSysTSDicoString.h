@@ -6,8 +6,8 @@
 #include <atomic>
 #include <cstdint>
 
-/// The lock of LYRSysTSDicoString, never null. The store takes it itself; callers need it only
-/// to reason about lock order: it is a leaf.
+/// The lock of LYRSysTSDicoString, never null. It guards the table and the blocks, and is a leaf:
+/// the store takes it itself and calls nothing under it.
 LYR_EXPORT LYRSmartMutex* GetGlobalStringDicoMutex();
 
 /// The address of that lock, set while the library loads so that the lock exists before any
@@ -47,7 +47,7 @@ public:
     static void _ClearDictionary();
 
     /// Frees every copy: all addresses handed out before become invalid. For the very end of the
-    /// application, when nothing uses the system any more; the store may be filled again.
+    /// application, with no other thread in the store; it may be filled again.
     static void _FreeDictionary();
 
 private:

@@ -69,9 +69,10 @@ public:
                                             LYRSysTSInterfaceFactory creator,
                                             LYRSysTSInfoDic* info);
 
-    /// Registers one record under its ids and its names, whichever of the two pairs is whole;
-    /// `load` as in the queries. Null without a message when neither is. Others see both
-    /// registrations or none.
+    /// Registers one record under its ids, if there is a creator, and under its names, whichever of
+    /// the two pairs is whole; `load` as in the queries. Each of the two is refused, and said so,
+    /// on its own; the result is that of the names when they are whole. Others see no state between
+    /// the two. Null without a message when neither pair is whole.
     static LYRSysTSInfoDic* AddDictionaryTS(const GUID* clsid, const GUID* iid,
                                             const char* className, const char* interfaceName,
                                             const char* sharedLibrary,
@@ -97,7 +98,7 @@ public:
     /// count only when it is made; `extendedName`, when not null, names a class that it extends,
     /// which an extension's meta-object takes note of on every call. Null for a null name and for
     /// "LYRNull". Lives until LYRSysTSMetaClassBase::Destruct. After _DeleteDictionary every call
-    /// makes a new one, recorded nowhere. Throws std::bad_alloc, with nothing changed.
+    /// makes a new one, recorded nowhere. Throws std::bad_alloc; the next call goes on from there.
     static LYRSysTSMetaClass* FindOrCreateMetaObject(const char* name, LYRSysTSTypeOfClass type,
                                                      const GUID* clsid, LYRSysTSMetaClass* base,
                                                      const char* extendedName);

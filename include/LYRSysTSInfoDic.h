@@ -11,7 +11,8 @@
 /// A record that a table of the dictionary reaches belongs to the dictionary until
 /// _DeleteDictionary, and its address does not change until then. Every field goes from null to
 /// its value at most once; other threads may do that while a reader looks, so a reader outside
-/// the dictionary's lock loads `creator` atomically. The record owns nothing that it points at.
+/// the dictionary's lock loads `creator` atomically, and takes the lock to read the other fields of
+/// an entry that may still be added to. The record owns nothing that it points at.
 class LYR_EXPORT LYRSysTSInfoDic {
 public:
     /// A record with every field null.

@@ -33,8 +33,8 @@ public:
     ~LYRSysTSMetaClassBase() override;
 
     /// The factory that builds the interface `iid` for objects of this class, or null. Finding one
-    /// may read the dictionary files and load libraries; the answer stays for the life of the
-    /// process. Always null for a class without interface implementations.
+    /// may read the dictionary files and load libraries. Always null for a class without interface
+    /// implementations.
     virtual LYRSysTSInterfaceFactory QueryDerivationInterfaceFactory(const GUID& iid);
 
     /// This object as an extension's meta-object; null when it is none.

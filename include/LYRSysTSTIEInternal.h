@@ -19,9 +19,10 @@ public:
     /// extension. No count is raised: a new instance carries the count 1 of its constructor.
     /// `create` runs under the object's lock and may return null; what it throws passes through,
     /// with the lock free and the object as it was.
-    /// S_OK with a non-null `result`; E_FAIL with null: a null object or meta-object, a null
-    /// `create` of an extension, an object of another class, an extension meta-object of neither
-    /// kind, no instance, an object that is itself an extension (asked for a kept one), no memory.
+    /// S_OK with a non-null `result`. E_FAIL with null:
+    /// - a null object or meta-object, or an object of another class;
+    /// - an extension of neither kind, or one to be made with a null `create` or without memory;
+    /// - a kept extension of an object that is itself an extension.
     static HRESULT Tie_Construct(LYRSysTSBaseUnknown* object, LYRSysTSMetaClass* metaClass,
                                  LYRSysTSBaseUnknown* (*create)(), LYRSysTSBaseUnknown*& result);
 

@@ -37,7 +37,7 @@ LYRSysTSMetaClassBase* MakeMetaObject(const char* name, LYRSysTSTypeOfClass type
 
 namespace lyr {
 
-/// Frees a meta-object, the newest one, that nothing has come to know.
+/// Frees the newest meta-object, which nobody else knows yet.
 struct DiscardMetaObject {
     void operator()(LYRSysTSMetaClassBase* metaObject) const {
         sHeadMeta = metaObject->_nextMeta;
@@ -49,12 +49,11 @@ struct DiscardMetaObject {
 
 namespace {
 
-/// Makes the meta-object and records it by id and by name, in `entry` if there is one by name
-/// already. What the dictionary refuses, such as the id of another class, is left out and counted
-/// in `refusals`. Throws std::bad_alloc with nothing changed: a meta-object that is not recorded
-/// would be made once more by the next call.
+/// Makes the meta-object and records it by id and by name. What the dictionary refuses, such as the
+/// id of another class, is left out and counted in `refusals`. Throws std::bad_alloc with nothing
+/// recorded: a meta-object that is not recorded would be made once more by the next call.
 LYRSysTSMetaClass* Create(const char* name, LYRSysTSTypeOfClass type, const GUID* clsid,
-                          LYRSysTSMetaClass* base, LYRSysTSInfoDic* entry, int& refusals)
+                          LYRSysTSMetaClass* base, int& refusals)
     LYR_REQUIRES(GetGlobalDicoMutex()) {
     if (clsid == nullptr) clsid = MakeUpClassId();
     std::unique_ptr<LYRSysTSMetaClassBase, lyr::DiscardMetaObject> made(
@@ -63,13 +62,22 @@ LYRSysTSMetaClass* Create(const char* name, LYRSysTSTypeOfClass type, const GUID
 
     lyr::DictionaryTables::EnsureCleared();
     const LYRSysTSInterfaceFactory creator = lyr::ToCreator(made.get());
-    lyr::Addition byId(*clsid, CLSID_LYRSysTSMetaClass, creator);
-    lyr::Addition byName(name, "MetaObject", nullptr, nullptr, nullptr, creator);
-    if (!byId.Prepare(entry)) ++refusals;
-    if (!byName.Prepare(byId.Record())) ++refusals;
-    byId.Commit();
-    byName.Commit();
+    lyr::PairedAddition both{{*clsid, CLSID_LYRSysTSMetaClass, creator},
+                             {name, "MetaObject", nullptr, nullptr, nullptr, creator}};
+    both.Make(true);
+    refusals = both.refusals;
     return made.release();
+}
+
+/// Has an extension's meta-object take note of a class that it extends. Throws std::bad_alloc.
+void NoteExtended(LYRSysTSMetaClass* metaObject, const char* extendedName) {
+    if (extendedName == nullptr) return;
+    LYRSysTSMetaClassExt::AddExtendedComponent(metaObject, extendedName);
+    LYRSysTSMetaClassBase* const base = metaObject->ToMetaClassBase();
+    LYRSysTSMetaClassExt* const extension = base != nullptr ? base->CastToMetaExtension() : nullptr;
+    const char* const interned = lyr::InternText(extendedName);
+    if (extension == nullptr || interned == nullptr) return;
+    if (!extension->_IsExtensionOf(interned)) throw std::bad_alloc();
 }
 
 }  // namespace
@@ -84,14 +92,11 @@ LYRSysTSMetaClass* LYRSysTSDictionary::FindOrCreateMetaObject(const char* name,
     LYRSysTSMetaClass* metaObject = nullptr;
     {
         const lyr::MutexGuard guard(*GetGlobalDicoMutex());
-        LYRSysTSInfoDic* const entry = QueryDictionary(name, "MetaObject", 0);
-        if (entry != nullptr) metaObject = lyr::ToMetaObject(entry->creator);
-        if (metaObject == nullptr) {
-            metaObject = Create(name, type, clsid, base, entry, refusals);
-        }
-        LYRSysTSMetaClassExt::AddExtendedComponent(metaObject, extendedName);
+        metaObject = QueryMetaObject(name);
+        if (metaObject == nullptr) metaObject = Create(name, type, clsid, base, refusals);
+        NoteExtended(metaObject, extendedName);
     }
-    for (; refusals > 0; --refusals) lyr::SayRefused();
+    lyr::SayRefused(refusals);
     return metaObject;
 }
 

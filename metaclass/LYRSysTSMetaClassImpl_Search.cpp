@@ -69,14 +69,6 @@ LYRSysTSInterfaceFactory FindByName(const LYRSysTSMetaClass& extended, const GUI
     return FindEntryPoint(implementer, interfaceName, extended.IsA());
 }
 
-/// The factory that the entry by ids holds: one without a library is not to be used. A meta-object
-/// stands in the same field, and is none.
-LYRSysTSInterfaceFactory UsableCreator(const LYRSysTSInfoDic& entry, const GUID& iid) {
-    const LYRSysTSInterfaceFactory creator = entry.creator;
-    const bool hasLibrary = lyr::LoadShared(entry.sharedLibrary) != nullptr;
-    return hasLibrary && iid != CLSID_LYRSysTSMetaClass ? creator : nullptr;
-}
-
 }  // namespace
 
 // Each of the look-ups asks for the dictionary files by itself: without a path to them, each says
@@ -86,8 +78,12 @@ LYRSysTSInterfaceFactory LYRSysTSMetaClassImpl::_QueryFromDictionary(const GUID&
     const GUID* const clsid = GetClassId();
     if (clsid != nullptr) {
         const auto* const known = LYRSysTSDictionary::QueryDictionary(*clsid, iid, 1);
-        if (known != nullptr && known->creator != nullptr) return UsableCreator(*known, iid);
+        const LYRSysTSInterfaceFactory creator = known != nullptr ? known->creator.load() : nullptr;
+        if (creator != nullptr && iid != CLSID_LYRSysTSMetaClass) {
+            return lyr::LoadShared(known->sharedLibrary) != nullptr ? creator : nullptr;
+        }
     }
+    // What stands under this id is a meta-object, and no factory.
     if (iid == CLSID_LYRSysTSMetaClass) return nullptr;
 
     const char* const interfaceName = LYRSysTSDictionary::GetInterfaceName(iid);

@@ -38,9 +38,10 @@ void SetExtended(LYRSysTSBaseUnknown& instance, LYRSysTSBaseUnknown& extended) {
 }
 
 LYRSysTSBaseUnknown* MakeTransient(LYRSysTSBaseUnknown& object, LYRSysTSBaseUnknown* (*create)()) {
-    LYRSysTSBaseUnknown* const instance = create();
+    if (create == nullptr) return nullptr;
+    std::unique_ptr<LYRSysTSBaseUnknown> instance(create());
     if (instance != nullptr) SetExtended(*instance, object);
-    return instance;
+    return instance.release();
 }
 
 LYRSysTSBaseUnknown* FindOrMakeKept(LYRSysTSBaseUnknown& object, const LYRSysTSMetaClass* metaClass,
@@ -49,8 +50,10 @@ LYRSysTSBaseUnknown* FindOrMakeKept(LYRSysTSBaseUnknown& object, const LYRSysTSM
     if (ToExtension(object.GetMetaObject()) != nullptr) return nullptr;
     if (const KeptSearch known = FindKept(object, metaClass); known.found) return known.found;
 
+    if (create == nullptr) return nullptr;
     std::unique_ptr<LYRSysTSBaseUnknown> instance(create());
     if (instance == nullptr) return nullptr;
+    SetExtended(*instance, object);
     // Searched again: the creation function may have asked for extensions of the same object.
     const KeptSearch now = FindKept(object, metaClass);
     if (now.found != nullptr) return now.found;
@@ -64,7 +67,6 @@ LYRSysTSBaseUnknown* FindOrMakeKept(LYRSysTSBaseUnknown& object, const LYRSysTSM
         return nullptr;
     }
     static_cast<void>(link.release());
-    SetExtended(*instance, object);
     return instance.release();
 }
 
@@ -82,7 +84,6 @@ LYRSysTSBaseUnknown* FindOrMakeImplementation(LYRSysTSBaseUnknown* object,
     if (object == nullptr || metaClass == nullptr) return nullptr;
     LYRSysTSMetaClassExt* const extension = ToExtension(metaClass);
     if (extension == nullptr) return IsOfClass(*object, metaClass) ? object : nullptr;
-    if (create == nullptr) return nullptr;
 
     const ObjectLock lock(object);
     switch (extension->GetExtensionType()) {

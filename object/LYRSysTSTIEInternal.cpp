@@ -5,28 +5,18 @@
 
 namespace {
 
-/// The object that counts the references to a kept extension; null for any other object.
-LYRSysTSBaseUnknown* CountingObject(const LYRSysTSBaseUnknown& object) {
-    LYRSysTSMetaClassExt* const extension = lyr::ToExtension(object.GetMetaObject());
-    if (extension == nullptr || extension->GetExtensionType() != KeptExtension) return nullptr;
-    return lyr::ObjectAccess::Extended(object);
-}
+/// How the implementation object of a TIE counts: an extension together with the object that it
+/// extends.
+struct Counting {
+    LYRSysTSBaseUnknown* extended = nullptr;  // null for a component object
+    bool isKept = false;
 
-/// The locks under which a TIE counts. The object that a kept extension extends comes first: it
-/// keeps the extension alive, and its own operations take the locks in this order too.
-class TieLock {
-public:
-    explicit TieLock(LYRSysTSBaseUnknown& object)
-        : _counting(CountingObject(object)), _implementation(&object) {}
-
-    void ObjectsAreGone() {
-        _implementation.ObjectIsGone();
-        _counting.ObjectIsGone();
+    explicit Counting(const LYRSysTSBaseUnknown& object) {
+        LYRSysTSMetaClassExt* const extension = lyr::ToExtension(object.GetMetaObject());
+        if (extension == nullptr) return;
+        extended = lyr::ObjectAccess::Extended(object);
+        isKept = extension->GetExtensionType() == KeptExtension;
     }
-
-private:
-    lyr::ObjectLock _counting;
-    lyr::ObjectLock _implementation;
 };
 
 }  // namespace
@@ -45,9 +35,14 @@ HRESULT LYRSysTSTIEInternal::Tie_Query(LYRSysTSBaseUnknown* object, const GUID& 
     return object != nullptr ? object->QueryInterface(iid, out) : E_UNEXPECTED;
 }
 
+// Everywhere the extended object's lock is taken before its extension's: a factory that runs under
+// the one may use a TIE over the other.
+
 int LYRSysTSTIEInternal::Tie_AddRef(int& tieCount, LYRSysTSBaseUnknown* object) {
     if (object == nullptr) return 0;
-    const TieLock lock(*object);
+    const Counting counting(*object);
+    const lyr::ObjectLock extendedLock(counting.extended);
+    const lyr::ObjectLock lock(object);
     object->AddRef();
     return ++tieCount;
 }
@@ -56,12 +51,22 @@ int LYRSysTSTIEInternal::Tie_Release(int& tieCount, LYRSysTSBaseUnknown*& object
                                      unsigned char& mustDelete) {
     mustDelete = 0;
     if (object == nullptr) return 0;
+    const Counting counting(*object);
+    // A transient extension's release may be the last one of the object that it extends. That
+    // must not go while its lock is held here.
+    LYRSysTSBaseUnknown* const guarded = counting.isKept ? nullptr : counting.extended;
+    if (guarded != nullptr) guarded->AddRef();
     int count = 0;
     {
-        TieLock lock(*object);
+        lyr::ObjectLock extendedLock(counting.extended);
+        lyr::ObjectLock lock(object);
         count = --tieCount;
-        if (object->Release() == 0) lock.ObjectsAreGone();
+        if (object->Release() == 0) {
+            lock.ObjectIsGone();
+            if (counting.isKept) extendedLock.ObjectIsGone();
+        }
     }
+    if (guarded != nullptr) guarded->Release();
     // Above 0, the TIE may be gone by now: another thread's release.
     if (count != 0) return count;
     object = nullptr;

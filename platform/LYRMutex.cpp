@@ -1,9 +1,9 @@
 #include "LYRSmartMutex.h"
 
+#include <atomic>
 #include <climits>
-#include <pthread.h>
+#include <cstdint>
 #include <system_error>
-#include <utility>
 
 #if defined(__linux__)
 #include <linux/futex.h>
@@ -33,58 +33,43 @@
 // process exit would still be used by threads on their way into it; here a destroyed mutex is a
 // word of static memory that says so. bench/locks_bench.cpp compares the two.
 //
-// _state is the lock: kNoLock, kUnlocked, or kHeld with the lower part of the holder's identity and
-// the bit kWaiters. _hold is the holder's own: the upper part of its identity and its nested holds;
-// 0 whenever the lock changes hands. A thread that finds both its parts is the holder: only itself
-// ever writes its upper part, and takes it back before it leaves.
+// All of it is one word, so that a thread which looks sees one moment of the lock: 0 without a
+// lock, otherwise kUnlocked, the holder, its nested holds, and whether others may be waiting. The
+// price is an atomic exchange for a nested hold too.
 //
-// While the process has one thread, plain stores do what atomic exchanges do, at a third of the
+// While the process has one thread, plain stores do what atomic exchanges do, at a fraction of the
 // cost; the C library's own locks and std::shared_ptr do the same.
 //
-// Waiting. Whoever finds the lock held sets kWaiters and sleeps for as long as the word stays as it
-// is. The last unlock clears the whole word and wakes one sleeper. That one cannot know whether
-// others still sleep, so it takes the lock with kWaiters set and passes the duty on; at worst the
-// last of them wakes nobody. There is no spinning: the sections are short, and a thread that spins
-// takes the cache line from the holder.
+// Waiting. Whoever finds the lock held sets kWaiters and sleeps for as long as the lower half of
+// the word stays as it is; nested holds are counted in the other half. The last unlock clears the
+// whole word and wakes one sleeper. That one cannot know whether others still sleep, so it takes
+// the lock with kWaiters set and passes the duty on; at worst the last of them wakes nobody. There
+// is no spinning: the sections are short, and a thread that spins takes the cache line from the
+// holder.
 //
 // Destruction right after another thread's unlock is safe: after its releasing exchange UnlockF
-// uses the mutex's address as the name of a futex only and never reads or writes there. A wake that
-// so reaches an unrelated futex at the same address is one of the spurious wakes that every futex
-// user must expect.
+// uses the mutex's address as the name of a futex only (but at exit, when the mutex is static). A
+// wake that so reaches an unrelated futex at the same address is one of the spurious wakes that
+// every futex user must expect.
 
 namespace {
 
-constexpr std::uint32_t kWaiters = 1;
-constexpr std::uint32_t kHeld = 4;
-constexpr int kLowBits = 29;
+using State = std::uint64_t;
 
-constexpr int kNestingBits = 18;
-constexpr std::uint32_t kNesting = (1U << kNestingBits) - 1;
-constexpr std::uint32_t kHoldTaken = 1U << 31;
+constexpr State kWaiters = 1;
+constexpr State kHolder = 0x0000'FFFF'FFFF'FFC0;
+constexpr State kOneNested = 0x0001'0000'0000'0000;
+constexpr State kNested = 0xFFFF'0000'0000'0000;
 
-/// What tells the running thread from every other, in the two places where it
-/// is kept.
-struct Identity {
-    std::uint32_t state;
-    std::uint32_t hold;
-
-    bool Holds(std::uint32_t lockState, std::uint32_t lockHold) const {
-        return (lockState & ~kWaiters) == state && (lockHold & ~kNesting) == hold;
-    }
-};
-
-/// The address of the thread's descriptor in units of 64 bytes. No two
-/// descriptors share a unit, since each is larger; 42 bits hold it, since user
-/// addresses have 48 unless a program asks the kernel for more. Unlike the
-/// kernel's number of the thread, it costs no call of the system.
-Identity Self() {
-    const auto unit = reinterpret_cast<std::uintptr_t>(__builtin_thread_pointer()) >> 6;
-    return {kHeld | static_cast<std::uint32_t>(unit << (32 - kLowBits)),
-            kHoldTaken | static_cast<std::uint32_t>(unit >> kLowBits) << kNestingBits};
+/// What tells the running thread from every other: the address of its descriptor, which is in a
+/// register of the processor, while any other name of the thread costs a call. Descriptors are
+/// larger than the 64 bytes that the mask leaves out, and user addresses have 48 bits unless a
+/// program asks the kernel for more.
+State Self() {
+    return reinterpret_cast<std::uintptr_t>(__builtin_thread_pointer()) & kHolder;
 }
 
-/// Whether no other thread can come in between, so that a plain store does what
-/// an exchange does.
+/// Whether no other thread can come in between, so that a plain store does what an exchange does.
 bool IsOnlyThread() {
 #if defined(LYR_KNOWS_SINGLE_THREAD)
     return __libc_single_threaded != 0;
@@ -93,47 +78,59 @@ bool IsOnlyThread() {
 #endif
 }
 
-/// Puts `to` in the place of `state`; false, with the word as it is in `state`,
-/// when that is not what stands there.
-inline bool Change(std::atomic<std::uint32_t>& word, std::uint32_t& state, std::uint32_t to,
-                   std::memory_order order) {
+/// Puts `to` in the place of `from`; false when something else stands there.
+bool Change(std::atomic<State>& word, State from, State to) {
     if (!IsOnlyThread()) {
-        return word.compare_exchange_strong(state, to, order, std::memory_order_relaxed);
+        return word.compare_exchange_strong(from, to, std::memory_order_acquire,
+                                            std::memory_order_relaxed);
     }
-    const std::uint32_t seen = word.load(std::memory_order_relaxed);
-    if (seen == state) word.store(to, std::memory_order_relaxed);
-    return std::exchange(state, seen) == seen;
+    if (word.load(std::memory_order_relaxed) != from) return false;
+    word.store(to, std::memory_order_relaxed);
+    return true;
 }
 
-[[noreturn]] void ThrowTooDeep() {
-    throw std::system_error(std::make_error_code(std::errc::resource_unavailable_try_again));
+/// Adds to the word of a lock that the calling thread holds, beside others that set kWaiters.
+void AddTo(std::atomic<State>& word, State amount) {
+    if (IsOnlyThread()) {
+        word.store(word.load(std::memory_order_relaxed) + amount, std::memory_order_relaxed);
+    } else {
+        word.fetch_add(amount, std::memory_order_relaxed);
+    }
+}
+
+/// Frees the lock; the word as it was.
+State Free(std::atomic<State>& word, State unlocked) {
+    if (!IsOnlyThread()) return word.exchange(unlocked, std::memory_order_release);
+    const State before = word.load(std::memory_order_relaxed);
+    word.store(unlocked, std::memory_order_relaxed);
+    return before;
 }
 
 #if defined(__linux__)
-void SleepWhile(std::atomic<std::uint32_t>& word, std::uint32_t value) {
-    ::syscall(SYS_futex, &word, FUTEX_WAIT_PRIVATE, value, nullptr, nullptr, 0);
+void SleepWhile(std::atomic<State>& word, State state) {
+    ::syscall(SYS_futex, &word, FUTEX_WAIT_PRIVATE, static_cast<std::uint32_t>(state), nullptr,
+              nullptr, 0);
 }
-void WakeOne(std::atomic<std::uint32_t>& word) {
+void WakeOne(std::atomic<State>& word) {
     ::syscall(SYS_futex, &word, FUTEX_WAKE_PRIVATE, 1, nullptr, nullptr, 0);
 }
-void WakeAll(std::atomic<std::uint32_t>& word) {
+void WakeAll(std::atomic<State>& word) {
     ::syscall(SYS_futex, &word, FUTEX_WAKE_PRIVATE, INT_MAX, nullptr, nullptr, 0);
 }
 #else
-void SleepWhile(std::atomic<std::uint32_t>& word, std::uint32_t value) {
-    word.wait(value);
+void SleepWhile(std::atomic<State>& word, State state) {
+    word.wait(state);
 }
-void WakeOne(std::atomic<std::uint32_t>& word) {
+void WakeOne(std::atomic<State>& word) {
     word.notify_one();
 }
-void WakeAll(std::atomic<std::uint32_t>& word) {
+void WakeAll(std::atomic<State>& word) {
     word.notify_all();
 }
 #endif
 
-// What ThreadSanitizer is told, so that it sees a re-entrant mutex instead of a
-// few atomics and reports locks taken in opposite orders. Between a "before"
-// and its "after" it looks away.
+// What ThreadSanitizer is told, so that it sees a re-entrant mutex instead of a few atomics and
+// reports locks taken in opposite orders. Between a "before" and its "after" it looks away.
 #if defined(LYR_UNDER_TSAN)
 constexpr bool kAnnotated = true;
 void BeforeLock(void* mutex) {
@@ -163,91 +160,70 @@ void Destroyed(void*) {}
 
 }  // namespace
 
-static_assert(std::atomic<std::uint32_t>::is_always_lock_free);
+static_assert(std::atomic<State>::is_always_lock_free);
 
 LYRMutex::LYRMutex(bool holdsLock) noexcept : _state(holdsLock ? kUnlocked : kNoLock) {}
 
 LYRSmartMutex::LYRSmartMutex(int withoutLock) noexcept : LYRMutex(withoutLock == 0) {}
 
-// Out of line, and an exchange: a compiler may drop a plain store into a dying
-// object, and a waiter may set kWaiters at any moment before it.
+// Out of line, and an exchange: a compiler may drop a plain store into a dying object, and a waiter
+// may set kWaiters at any moment before it.
 LYRMutex::~LYRMutex() {
     if (_state.load(std::memory_order_relaxed) == kNoLock) return;
-    const std::uint32_t state = _state.exchange(kNoLock, std::memory_order_acq_rel);
+    const State state = _state.exchange(kNoLock, std::memory_order_acq_rel);
     if ((state & kWaiters) != 0) WakeAll(_state);
-    if (state == kUnlocked) Destroyed(this);
+    if ((state & kHolder) == 0) Destroyed(this);
+}
+
+void LYRMutex::LockF() LYR_NO_THREAD_SAFETY_ANALYSIS {
+    const State self = Self();
+    const State state = _state.load(std::memory_order_relaxed);
+    if (kAnnotated && state == kNoLock) return;
+    if ((state & kNested) == kNested && (state & kHolder) == self) {
+        throw std::system_error(std::make_error_code(std::errc::resource_unavailable_try_again));
+    }
+    BeforeLock(this);
+    bool locked = true;
+    if ((state & kHolder) == self) {
+        AddTo(_state, kOneNested);
+    } else if (!Change(_state, kUnlocked, kUnlocked | self)) {
+        locked = AcquireSlowly(kUnlocked | self);
+    }
+    AfterLock(this, locked);
 }
 
 /// Whether the lock is held now; it is not when there is none.
-inline bool LYRMutex::Acquire() {
-    const Identity self = Self();
-    // A lock that is free is tried at once, without a look at it before.
-    std::uint32_t state = kUnlocked;
-    const std::uint32_t hold = _hold.load(std::memory_order_relaxed);
-    if ((hold & ~kNesting) != self.hold &&
-        Change(_state, state, self.state, std::memory_order_acquire)) {
-        _hold.store(self.hold, std::memory_order_relaxed);
-        return true;
-    }
-    state = _state.load(std::memory_order_relaxed);
-    if (!self.Holds(state, hold)) return AcquireSlowly(self.state, self.hold);
-    if ((hold & kNesting) == kNesting) ThrowTooDeep();
-    _hold.store(hold + 1, std::memory_order_relaxed);
-    return true;
-}
-
-bool LYRMutex::AcquireSlowly(std::uint32_t self, std::uint32_t hold) {
-    for (std::uint32_t state = _state.load(std::memory_order_relaxed);;) {
-        if ((state & ~kWaiters) == kUnlocked) {
-            if (!Change(_state, state, self | kWaiters, std::memory_order_acquire)) {
-                continue;
-            }
-            _hold.store(hold, std::memory_order_relaxed);
-            return true;
-        }
+bool LYRMutex::AcquireSlowly(State self) {
+    for (;;) {
+        State state = _state.load(std::memory_order_relaxed);
         if ((state & ~kWaiters) == kNoLock) return false;
+        if ((state & kHolder) == 0) {
+            if (Change(_state, state, self)) return true;
+            continue;
+        }
         // Set in any case and not only while the same thread holds the lock: whoever has found it
         // held goes to sleep instead of taking the cache line from the holder again and again.
         state = _state.fetch_or(kWaiters, std::memory_order_relaxed);
-        if ((state & kHeld) != 0) {
+        if ((state & kHolder) != 0) {
             SleepWhile(_state, state | kWaiters);
             self |= kWaiters;
         } else if (state == kNoLock) {
             _state.store(kNoLock, std::memory_order_relaxed);
         }
-        state = _state.load(std::memory_order_relaxed);
     }
-}
-
-/// Ends the last hold of the calling thread.
-inline void LYRMutex::GiveBack() {
-    if (IsOnlyThread()) {
-        _state.store(kUnlocked, std::memory_order_relaxed);
-        return;
-    }
-    const std::uint32_t state = _state.exchange(kUnlocked, std::memory_order_release);
-    if ((state & kWaiters) != 0) WakeOne(_state);
-    // Destroyed at exit while it was held: it stays so.
-    if (state == kNoLock) _state.store(kNoLock, std::memory_order_relaxed);
-}
-
-void LYRMutex::LockF() LYR_NO_THREAD_SAFETY_ANALYSIS {
-    if (kAnnotated && _state.load(std::memory_order_relaxed) == kNoLock) return;
-    BeforeLock(this);
-    AfterLock(this, Acquire());
 }
 
 void LYRMutex::UnlockF() LYR_NO_THREAD_SAFETY_ANALYSIS {
-    const Identity self = Self();
-    const std::uint32_t hold = _hold.load(std::memory_order_relaxed);
-    const std::uint32_t state = _state.load(std::memory_order_relaxed);
-    if (!self.Holds(state, hold)) return;
+    const State state = _state.load(std::memory_order_relaxed);
+    if ((state & kHolder) != Self()) return;
     BeforeUnlock(this);
-    if ((hold & kNesting) != 0) {
-        _hold.store(hold - 1, std::memory_order_relaxed);
+    if ((state & kNested) != 0) {
+        AddTo(_state, ~kOneNested + 1);
     } else {
-        _hold.store(0, std::memory_order_relaxed);
-        GiveBack();
+        const State last = Free(_state, kUnlocked);
+        if ((last & kWaiters) != 0) WakeOne(_state);
+        // Destroyed at exit while it was held: it stays so.
+        if (last == kNoLock) _state.store(kNoLock, std::memory_order_relaxed);
     }
     AfterUnlock(this);
 }

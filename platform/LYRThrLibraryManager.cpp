@@ -1,6 +1,5 @@
 #include "LYRThrLibraryManager.h"
 
-#include <array>
 #include <cstdio>
 #include <cstring>
 #include <dlfcn.h>
@@ -26,38 +25,68 @@ void* Fail(const char* words) {
     return nullptr;
 }
 
-/// The files that a name may mean, in the order of trying; empty ones are not tried.
-using Candidates = std::array<std::string, 4>;
+/// The files that a library name may mean, in the order of trying. Without memory of the heap: a
+/// library must not be taken for absent because memory is short.
+class Candidates {
+public:
+    explicit Candidates(const char* name)
+        : _name(name),
+          _slash(std::strrchr(name, '/')),
+          _hasPrefix(std::strncmp(name, "lib", 3) == 0),
+          _hasSuffix(std::strstr(name, ".so") != nullptr) {}
 
-Candidates CandidatesOf(const std::string& name) {
-    const std::size_t slash = name.rfind('/');
-    if (slash != std::string::npos) {
-        return {name, name.substr(0, slash + 1) + "lib" + name.substr(slash + 1) + ".so", "", ""};
+    /// The next file; null after the last one. Valid until the next call.
+    const char* Next() {
+        while (_next < kForms) {
+            if (Write(_next++)) return _file;
+        }
+        return nullptr;
     }
-    const bool hasPrefix = name.compare(0, 3, "lib") == 0;
-    const bool hasSuffix = name.find(".so") != std::string::npos;
-    // The last one is for a file's whole name that a dictionary has taken the leading "lib" of.
-    return {"lib" + name + ".so", hasPrefix ? name + ".so" : "", hasSuffix ? name : "",
-            hasSuffix && !hasPrefix ? "lib" + name : ""};
-}
 
-bool MakeCandidates(const char* name, Candidates& candidates) noexcept {
-    try {
-        candidates = CandidatesOf(name);
-        return true;
-    } catch (const std::bad_alloc&) {
-        return false;
+private:
+    static constexpr int kForms = 4;
+
+    bool Write(int form) {
+        if (_slash != nullptr) return WritePath(form);
+        if (form == 0) return Write("lib", _name, ".so");
+        if (form == 1) return _hasPrefix && Write("", _name, ".so");
+        if (form == 2) return _hasSuffix && Write("", _name, "");
+        // The whole name of a file that a dictionary has taken the leading "lib" of.
+        return _hasSuffix && !_hasPrefix && Write("lib", _name, "");
     }
-}
+
+    bool WritePath(int form) {
+        if (form == 0) return Write("", _name, "");
+        if (form != 1) return false;
+        const auto directory = static_cast<int>(_slash + 1 - _name);
+        return Fits(
+            std::snprintf(_file, sizeof _file, "%.*slib%s.so", directory, _name, _slash + 1));
+    }
+
+    bool Write(const char* prefix, const char* name, const char* suffix) {
+        return Fits(std::snprintf(_file, sizeof _file, "%s%s%s", prefix, name, suffix));
+    }
+
+    static bool Fits(int length) { return length >= 0 && length < kFileSize; }
+
+    static constexpr int kFileSize = 8192;  // longer than any path that the system opens
+
+    const char* const _name;
+    const char* const _slash;
+    const bool _hasPrefix;
+    const bool _hasSuffix;
+    int _next = 0;
+    char _file[kFileSize];
+};
 
 /// Whether the loader found no file at all under this name. Its words begin with what they are
 /// about: the name as it was asked for as long as no file is found, then the path of the file, or
 /// the name of a missing dependency. The rest depends on the user's language.
-bool TellsOnlyThatItIsMissing(const char* words, const std::string& file) {
-    const bool aboutTheName =
-        std::strncmp(words, file.c_str(), file.size()) == 0 && words[file.size()] == ':';
-    const bool isPath = file.find('/') != std::string::npos;
-    return aboutTheName && !(isPath && ::access(file.c_str(), F_OK) == 0);
+bool TellsOnlyThatItIsMissing(const char* words, const char* file) {
+    const std::size_t length = std::strlen(file);
+    const bool aboutTheName = std::strncmp(words, file, length) == 0 && words[length] == ':';
+    const bool isPath = std::strchr(file, '/') != nullptr;
+    return aboutTheName && !(isPath && ::access(file, F_OK) == 0);
 }
 
 const char* LoaderWords() {
@@ -69,7 +98,8 @@ const char* LoaderWords() {
 /// the first.
 class Failure {
 public:
-    void Note(const char* words, const std::string& file) {
+    Failure() { text_[0] = '\0'; }
+    void Note(const char* words, const char* file) {
         const bool missing = TellsOnlyThatItIsMissing(words, file);
         if (text_[0] != '\0' && (missing || !onlyMissing_)) return;
         onlyMissing_ = missing;
@@ -78,7 +108,7 @@ public:
     const char* Text() const { return text_; }
 
 private:
-    char text_[kFailureSize] = "";
+    char text_[kFailureSize];
     bool onlyMissing_ = true;
 };
 
@@ -95,12 +125,10 @@ bool IsDefinedBy(void* handle, const void* address) {
 
 void* LYRThrLibraryManager::LoadLibrary(const char* name) {
     if (name == nullptr || *name == '\0') return Fail("no library is named");
-    Candidates candidates;
-    if (!MakeCandidates(name, candidates)) return Fail("out of memory");
+    Candidates candidates(name);
     Failure failure;
-    for (const std::string& file : candidates) {
-        if (file.empty()) continue;
-        if (void* handle = ::dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL)) return handle;
+    while (const char* const file = candidates.Next()) {
+        if (void* handle = ::dlopen(file, RTLD_NOW | RTLD_LOCAL)) return handle;
         failure.Note(LoaderWords(), file);
     }
     return Fail(failure.Text());

@@ -1,10 +1,10 @@
 #include "LYRSysTSDicoCLSIDName.h"
 
-#include "LYRSysTSDicoGUID.h"
-#include "LYRSysTSDicoString.h"
 #include "LYRSysTSDictionary.h"
+#include "registries/Intern.h"
 #include "registries/SignedKeys.h"
 #include "support/Chain.h"
+#include "support/MemoryShortage.h"
 #include "support/MutexGuard.h"
 #include "support/StartUpOrder.h"
 #include "support/Text.h"
@@ -54,19 +54,20 @@ CLSIDNameRecord* LYRSysTSDicoCLSIDName::AddDicoCLSIDName(const GUID& clsid, cons
         return IsSameClass(*known, name, library) ? known : nullptr;
     }
 
-    const char* const internedName = LYRSysTSDicoString::AddStringInDico(name);
-    const char* const internedLibrary = LYRSysTSDicoString::AddStringInDico(library);
-    const GUID* const internedId = LYRSysTSDicoGUID::AddGUIDInDico(&clsid);
-    if (internedName == nullptr || internedId == nullptr) return nullptr;
-    if (library != nullptr && internedLibrary == nullptr) return nullptr;
-
-    std::unique_ptr<CLSIDNameRecord> record(
-        new (std::nothrow) CLSIDNameRecord{internedId, internedName, internedLibrary});
-    std::unique_ptr<CLSIDNameLink> link(new (std::nothrow) CLSIDNameLink{record.get(), nullptr});
-    if (record == nullptr || link == nullptr) return nullptr;
-
-    lyr::StoreShared(*slot.place, link.release());
-    return record.release();
+    try {
+        const char* const internedName = lyr::InternText(name);
+        const char* const internedLibrary = lyr::InternText(library);
+        if (internedName == nullptr) return nullptr;
+        if (library != nullptr && internedLibrary == nullptr) return nullptr;
+        auto record = std::make_unique<CLSIDNameRecord>(
+            CLSIDNameRecord{lyr::InternGUID(&clsid), internedName, internedLibrary});
+        auto link = std::make_unique<CLSIDNameLink>(CLSIDNameLink{record.get(), nullptr});
+        lyr::StoreShared(*slot.place, link.release());
+        return record.release();
+    } catch (const std::bad_alloc&) {
+        ++lyr::memoryShortages;
+        return nullptr;
+    }
 }
 
 CLSIDNameRecord* LYRSysTSDicoCLSIDName::QueryDicoCLSIDNameByCLSID(const GUID& clsid) {

@@ -1,9 +1,9 @@
 #include "LYRSysTSDicoIIDName.h"
 
-#include "LYRSysTSDicoGUID.h"
-#include "LYRSysTSDicoString.h"
+#include "registries/Intern.h"
 #include "registries/SignedKeys.h"
 #include "support/Chain.h"
+#include "support/MemoryShortage.h"
 #include "support/MutexGuard.h"
 #include "support/StartUpOrder.h"
 #include "support/Text.h"
@@ -49,20 +49,21 @@ int LYRSysTSDicoIIDName::AddDicoIIDName(const GUID& iid, const char* name) {
     const auto byIID = FindIID(_IIDNameByIID[lyr::SignedKey(iid)], iid);
     if (byIID.link != nullptr) return 0;
 
-    const char* const internedName = LYRSysTSDicoString::AddStringInDico(name);
-    const GUID* const internedIID = LYRSysTSDicoGUID::AddGUIDInDico(&iid);
-    if (internedName == nullptr || internedIID == nullptr) return 0;
-
-    std::unique_ptr<IIDNameRecord> record(new (std::nothrow)
-                                              IIDNameRecord{internedIID, internedName});
-    std::unique_ptr<IIDNameLink> iidLink(new (std::nothrow) IIDNameLink{record.get(), nullptr});
-    std::unique_ptr<IIDNameLink> nameLink(new (std::nothrow) IIDNameLink{record.get(), nullptr});
-    if (record == nullptr || iidLink == nullptr || nameLink == nullptr) return 0;
-
-    record.release();
-    lyr::StoreShared(*byIID.place, iidLink.release());
-    lyr::StoreShared(*byName.place, nameLink.release());
-    return 1;
+    try {
+        const char* const internedName = lyr::InternText(name);
+        if (internedName == nullptr) return 0;
+        auto record =
+            std::make_unique<IIDNameRecord>(IIDNameRecord{lyr::InternGUID(&iid), internedName});
+        auto iidLink = std::make_unique<IIDNameLink>(IIDNameLink{record.get(), nullptr});
+        auto nameLink = std::make_unique<IIDNameLink>(IIDNameLink{record.get(), nullptr});
+        static_cast<void>(record.release());
+        lyr::StoreShared(*byIID.place, iidLink.release());
+        lyr::StoreShared(*byName.place, nameLink.release());
+        return 1;
+    } catch (const std::bad_alloc&) {
+        ++lyr::memoryShortages;
+        return 0;
+    }
 }
 
 const char* LYRSysTSDicoIIDName::QueryDicoIIDNameByIID(const GUID& iid) {

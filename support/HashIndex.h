@@ -2,14 +2,13 @@
 
 #include <atomic>
 #include <cstddef>
-#include <cstdint>
 #include <cstdlib>
 #include <new>
 
 namespace lyr {
 
-/// An index that stands beside a table of chains and finds the node of a key at once, however long
-/// the chains are. The table stays the truth: the index holds each of its nodes once.
+/// An index that stands beside a table of chains: it finds the node of a key at once, however long
+/// the chains are, and they keep the order. It holds each of the table's nodes once.
 ///
 /// Changed by one thread at a time, under the table's lock; looked into by any number of threads at
 /// the same time, without it. It is meant for static memory: constant-initialised, never destroyed.

@@ -5,6 +5,3 @@
 
 /// Keeps a member of an exported class inside its library.
 #define LYR_LOCAL __attribute__((visibility("hidden")))
-
-/// Hides a member of an exported class again: it can be inlined and is called directly.
-#define LYR_LOCAL __attribute__((visibility("hidden")))

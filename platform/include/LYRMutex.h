@@ -8,43 +8,35 @@
 
 /// A lock that the thread which holds it may take again, one pointer wide.
 ///
-/// It is made through LYRSmartMutex, which decides whether it holds a lock at
-/// all. On one that holds none, or that has been destroyed at process exit and
-/// lies in static memory, both operations do nothing. A hold is given back by
-/// the thread that took it, once for each time it was taken. A mutex may be
-/// destroyed as soon as its last user has it unlocked, even while that other
-/// thread is still on its way out of UnlockF. Making and destroying one never
-/// fails.
+/// It is made through LYRSmartMutex, which decides whether it holds a lock at all. On one that
+/// holds none, or that has been destroyed at process exit and lies in static memory, both
+/// operations do nothing. A hold is given back by the thread that took it, once for each time it
+/// was taken. A mutex may be destroyed as soon as its last user has unlocked it, even while that
+/// other thread is still on its way out of UnlockF. Making and destroying one never fails.
 class LYR_EXPORT LYR_CAPABILITY("mutex") LYRMutex {
 public:
     LYRMutex(const LYRMutex&) = delete;
     LYRMutex& operator=(const LYRMutex&) = delete;
 
-    /// Waits until no other thread holds the lock, then holds it once more.
-    /// Destroying the mutex ends the wait, without the lock. Throws
-    /// std::system_error instead of taking the 2^18th nested hold.
+    /// Waits until no other thread holds the lock, then holds it once more. Destroying the mutex
+    /// ends the wait, without the lock. Throws std::system_error instead of taking the 2^16th
+    /// nested hold.
     void LockF() LYR_ACQUIRE();
-    /// Gives one hold back; the last one lets another thread in. Does nothing in
-    /// a thread that does not hold the lock.
+    /// Gives one hold back; the last one lets another thread in. Does nothing in a thread that does
+    /// not hold the lock.
     void UnlockF() LYR_RELEASE();
 
 protected:
     explicit LYRMutex(bool holdsLock) noexcept;
     ~LYRMutex();
 
-    static constexpr std::uint32_t kNoLock = 0;
-    static constexpr std::uint32_t kUnlocked = 2;
+    static constexpr std::uint64_t kNoLock = 0;
+    static constexpr std::uint64_t kUnlocked = 2;
 
-    /// kNoLock, kUnlocked, or the thread that holds the lock and whether others
-    /// wait for it.
-    alignas(void*) std::atomic<std::uint32_t> _state;
+    /// kNoLock, or kUnlocked together with the thread that holds the lock, its nested holds and
+    /// whether others wait for it.
+    std::atomic<std::uint64_t> _state;
 
 private:
-    LYR_LOCAL bool Acquire();
-    LYR_LOCAL bool AcquireSlowly(std::uint32_t self, std::uint32_t hold);
-    LYR_LOCAL void GiveBack();
-
-    /// The upper part of the holder's identity and its holds beyond the first; 0
-    /// without a holder. Written by the holder alone.
-    std::atomic<std::uint32_t> _hold{0};
+    LYR_LOCAL bool AcquireSlowly(std::uint64_t self);
 };

@@ -2,6 +2,7 @@
 
 #include "TestSupport.h"
 
+#include <thread>
 #include <vector>
 
 using Object = LYRSysTSBaseUnknown;
@@ -50,6 +51,9 @@ struct TestObject : Object {
         EXPECT_TRUE(IsAKindOf("Kept") || QueryInterface(IID_IUnknown, &out) == E_UNEXPECTED);
         ends += IsA();
     }
+    // Gives other threads a chance between the steps of an operation.
+    static std::uint32_t Yield(std::uint32_t count) { return std::this_thread::yield(), count; }
+    std::uint32_t Release() override { return Yield(Object::Release()); }
     LYRSysTSMetaClass* GetMetaObject() const override { return metaObject; }
 
     static Object* MakeKept() { return new TestObject(true, Class("Kept", KeptExtension)); }

@@ -1,7 +1,5 @@
 #include "../metaclass/TestClasses.h"
 
-#include <thread>
-
 static Object* object;  // the one that the test is about
 
 static Object* MakeOuter() {

@@ -1,7 +1,6 @@
 #include "../metaclass/TestClasses.h"
 
 #include <latch>
-#include <thread>
 
 /// Eight threads ask at once and get the same answer, which is not null.
 template <typename Ask>
