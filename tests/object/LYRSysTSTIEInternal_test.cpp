@@ -23,7 +23,7 @@ TEST(Construction, FindsOrMakesTheObjectThatImplementsTheClass) {
         std::thread([] { object->AddRef(); }).join();  // the lock is free
         Object* own = construct(object, outer, &MakeOuter);
         EXPECT_EQ(construct(object, outer, &MakeOuter), own);
-        own = construct(object, kept, &MakeOuter);
+        own = construct(object, kept, nullptr);  // known already, so nothing is to be made
         EXPECT_EQ(construct(own, outer, &MakeOuter), nullptr);
         own->QueryInterface(IID_IUnknown, &TestObject::out);
         EXPECT_EQ((Numbers{own->AddRef(), own->Release(), object->Release()}), (Numbers{4, 3, 2}));
@@ -51,6 +51,40 @@ TEST(Tie, CountsWithItsObjectUntilTheLastRelease) {
         EXPECT_EQ((Numbers{add(), object->Release(), release()}), (Numbers{1, 1, 0}));
         EXPECT_EQ(std::exchange(TestObject::ends, ""), "KeptGadget");
     }
+}
+
+/// Its class cannot be told while it is being linked.
+struct Nameless : TestObject {
+    Nameless() : TestObject(true, nullptr) {}
+    ~Nameless() override { metaObject = Class("Kept", KeptExtension); }
+    LYRSysTSMetaClass* GetMetaObject() const override { throw 1; }
+};
+
+TEST(Construction, LeavesNothingLinkedWhenAnExtensionThrows) {
+    object = new TestObject(true, Impl("Gadget"));
+    for (const int type : {KeptExtension, TransientExtension}) {
+        const auto make = []() -> Object* { return new Nameless; };
+        auto* meta = Class("Throwing" + std::to_string(type), type);
+        EXPECT_THROW(LYRSysTSBOAInternal::CreateBOA(object, meta, make), int);
+    }
+    EXPECT_EQ(object->Release(), 0U);
+    EXPECT_EQ(std::exchange(TestObject::ends, ""), "KeptKeptGadget");
+}
+
+TEST(Tie, TakesTheLockOfTheExtendedObjectFirst) {  // seen by the thread sanitizer
+    object = new TestObject(true, Impl("Gadget"));
+    Object* transient = MakeTie(object, Class("Transient", TransientExtension), []() -> Object* {
+        return new TestObject(true, Class("Transient"));
+    });
+    int count = 1;
+    unsigned char deletes = 0;
+    object->Lock();  // as around a factory, which may use a TIE over an extension
+    Tie::Tie_AddRef(count, transient);
+    object->Unlock();
+    EXPECT_EQ(Tie::Tie_Release(count, transient, deletes), 1);
+    EXPECT_EQ(Tie::Tie_Release(count, transient, deletes), 0);
+    EXPECT_TRUE(deletes == 1 && transient == nullptr);
+    EXPECT_EQ(std::exchange(TestObject::ends, ""), "TransientGadget");
 }
 
 TEST(ChainLink, TakesOneNextLinkThatHasNone) {
