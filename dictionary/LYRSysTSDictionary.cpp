@@ -5,11 +5,10 @@
 #include "support/MutexGuard.h"
 #include "support/StartUpOrder.h"
 #include "support/Text.h"
+#include "support/TextHash.h"
 
 #include <bit>
-#include <functional>
 #include <span>
-#include <string_view>
 
 constinit DicEntryLink* LYRSysTSDictionary::_dicByName[4096] = {};
 constinit DicEntryLink* LYRSysTSDictionary::_dicByGUID[4096] = {};
@@ -67,8 +66,7 @@ constinit EntryTable DictionaryTables::byName{LYRSysTSDictionary::_dicByName, {}
 constinit EntryTable DictionaryTables::byGUID{LYRSysTSDictionary::_dicByGUID, {}, {}};
 
 std::size_t DictionaryTables::Hash(const char* className, const char* interfaceName) {
-    const std::hash<std::string_view> hash;
-    return hash(className) ^ std::rotl(hash(interfaceName), 21);
+    return TextHash(className) ^ std::rotl(TextHash(interfaceName), 21);
 }
 
 std::size_t DictionaryTables::Hash(const GUID& clsid, const GUID& iid) {

@@ -98,6 +98,14 @@ void AddTo(std::atomic<State>& word, State amount) {
     }
 }
 
+/// Takes the lock once more for the thread that holds it.
+void Nest(std::atomic<State>& word, State state) {
+    if ((state & kNested) == kNested) {
+        throw std::system_error(std::make_error_code(std::errc::resource_unavailable_try_again));
+    }
+    AddTo(word, kOneNested);
+}
+
 /// Frees the lock; the word as it was.
 State Free(std::atomic<State>& word, State unlocked) {
     if (!IsOnlyThread()) return word.exchange(unlocked, std::memory_order_release);
@@ -170,25 +178,18 @@ LYRSmartMutex::LYRSmartMutex(int withoutLock) noexcept : LYRMutex(withoutLock ==
 // may set kWaiters at any moment before it.
 LYRMutex::~LYRMutex() {
     if (_state.load(std::memory_order_relaxed) == kNoLock) return;
-    const State state = _state.exchange(kNoLock, std::memory_order_acq_rel);
+    const State state = Free(_state, kNoLock);
     if ((state & kWaiters) != 0) WakeAll(_state);
     if ((state & kHolder) == 0) Destroyed(this);
 }
 
 void LYRMutex::LockF() LYR_NO_THREAD_SAFETY_ANALYSIS {
     const State self = Self();
-    const State state = _state.load(std::memory_order_relaxed);
-    if (kAnnotated && state == kNoLock) return;
-    if ((state & kNested) == kNested && (state & kHolder) == self) {
-        throw std::system_error(std::make_error_code(std::errc::resource_unavailable_try_again));
-    }
+    if (kAnnotated && _state.load(std::memory_order_relaxed) == kNoLock) return;
     BeforeLock(this);
-    bool locked = true;
-    if ((state & kHolder) == self) {
-        AddTo(_state, kOneNested);
-    } else if (!Change(_state, kUnlocked, kUnlocked | self)) {
-        locked = AcquireSlowly(kUnlocked | self);
-    }
+    // A free lock is taken without a look at it before: that would wait for its cache line twice.
+    const bool locked =
+        Change(_state, kUnlocked, kUnlocked | self) || AcquireSlowly(kUnlocked | self);
     AfterLock(this, locked);
 }
 
@@ -197,6 +198,10 @@ bool LYRMutex::AcquireSlowly(State self) {
     for (;;) {
         State state = _state.load(std::memory_order_relaxed);
         if ((state & ~kWaiters) == kNoLock) return false;
+        if ((state & kHolder) == (self & kHolder)) {
+            Nest(_state, state);
+            return true;
+        }
         if ((state & kHolder) == 0) {
             if (Change(_state, state, self)) return true;
             continue;

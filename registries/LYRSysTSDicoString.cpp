@@ -5,10 +5,10 @@
 #include "support/HashIndex.h"
 #include "support/MutexGuard.h"
 #include "support/StartUpOrder.h"
+#include "support/TextHash.h"
 
 #include <cstdlib>
 #include <cstring>
-#include <functional>
 #include <memory>
 #include <new>
 #include <string_view>
@@ -57,7 +57,7 @@ const char* LYRSysTSDicoString::AddStringInDico(const char* s) {
 
     const std::string_view text(s);
     if (text.size() >= kBlockSize) return nullptr;
-    const std::size_t hash = std::hash<std::string_view>()(text);
+    const std::size_t hash = lyr::TextHash(text);
     if (const char* const known = Find(text, hash)) return known;
 
     const unsigned key = KeyOf(text);
