@@ -17,6 +17,7 @@ from collections import defaultdict
 from pathlib import Path
 
 SIZES = [1000, 10_000, 100_000, 1_000_000]
+TABLES = ["records", "links", "texts"]
 COMPANY = {"alone": "/alone", "beside a thread": "/threads:1"}
 BEGIN, END = "<!-- figures: written by tools/bench -->\n", "<!-- end of figures -->\n"
 
@@ -43,7 +44,8 @@ def bars():
                f"Count/own thread-safe{suffix}", f"Count/shared_ptr{suffix}", 1.3)
     for threads, bar in (1, 0.7), (4, 0.25):
         for size in SIZES:
-            yield (f"intern hit, {size:,} strings, {threads} thread(s); `g_intern_string`",
+            yield (f"intern hit, {size:,} strings, {threads} thread{'s' * (threads > 1)}; "
+                   "`g_intern_string`",
                    f"Intern/hit/own/{size}/threads:{threads}",
                    f"Intern/hit/GLib/{size}/threads:{threads}", bar)
     for answer in "hit", "miss":
@@ -101,6 +103,9 @@ def others():
         yield f"loading, a line of {size:,}; `fgets`", f"Load/own/{size}", f"Load/fgets/{size}"
     yield ("memory of an entry of 100,000; `absl` map",
            "Load/own/100000#bytes", "Load/absl/100000#bytes")
+    for part in TABLES:
+        yield (f"memory of an entry, bare tables: {part}; all of them",
+               f"Memory/{part}/100000#bytes", "Memory/bare tables/100000#bytes")
     for what, suffixes in (("uncontended", COMPANY.values()), ("reentrant", COMPANY.values()),
                            ("contended", ["/threads:4"])):
         for suffix in suffixes:
@@ -127,6 +132,9 @@ class Figures:
                     values[name + "#bytes"].append(measured["bytes"])
             for name, several in values.items():
                 self.runs[name][int(run)] = statistics.mean(several)
+            if program == "loading":
+                bare = sum(values[f"Memory/{part}/{size}#bytes"][0] for part in TABLES)
+                self.runs[f"Memory/bare tables/{size}#bytes"][int(run)] = bare
 
     def median(self, name):
         return statistics.median(self.runs[name].values()) if name in self.runs else None
@@ -149,15 +157,16 @@ def rows(figures, entries):
         ratio = figures.ratio(ours, peer)
         what, against = text.split("; ", 1)
         yield [what, told(ours, figures.median(ours)), against, told(peer, figures.median(peer)),
-               f"{ratio:.2f}"] + [x for b in bar for x in (f"{b}", "yes" if ratio <= b else "**no**")]
+               f"{ratio:.2f}"] + [cell for most in bar
+                                  for cell in (str(most), "yes" if ratio <= most else "**no**")]
 
 
 def table(head, lines):
     lines = [head, *lines]
     widths = [max(len(line[i]) for line in lines) for i in range(len(head))]
     lines.insert(1, ["-" * width for width in widths])
-    return "".join("| " + " | ".join(f"{cell:{width}}" for cell, width in zip(line, widths)) + " |\n"
-                   for line in lines)
+    padded = ([f"{cell:{width}}" for cell, width in zip(line, widths)] for line in lines)
+    return "".join(f"| {' | '.join(line)} |\n" for line in padded)
 
 
 def machine():
@@ -167,12 +176,12 @@ def machine():
             f"{' '.join(platform.libc_ver())}; {compiler.stdout.splitlines()[0]}")
 
 
-def plots(figures, directory):
+def plots():
     """Cost against size, and against threads; each file: title, label of x, xs, lines."""
     by_size = "/{}/threads:%d"
     threads = "/threads:{}"
     yield ("intern-by-size", "Interning a known string", "strings", SIZES,
-           {f"{who}, {n} thread(s)": f"Intern/hit/{who}{by_size % n}"
+           {f"{who}, {n} thread{'s' * (n > 1)}": f"Intern/hit/{who}{by_size % n}"
             for n in (1, 4) for who in ("own", "GLib")})
     yield ("pairs-by-size", "Looking up a pair of names", "entries", SIZES,
            {f"{who}, {answer}": f"Pair/{answer}/{who}{by_size % 1}"
@@ -194,17 +203,18 @@ def plots(figures, directory):
 
 def draw(figures, directory):
     directory.mkdir(exist_ok=True)
-    for file, title, label, xs, lines in plots(figures, directory):
+    for file, title, label, xs, lines in plots():
         data = {text: [(x, figures.median(name.format(x))) for x in xs]
                 for text, name in lines.items()}
         data = {text: points for text, points in data.items() if points[0][1] is not None}
-        script = [f'set terminal svg size 640,420 font "sans-serif,13" background "white"',
+        ticks = ", ".join(f'"{x:,}" {x}' for x in xs)
+        curves = ", ".join(f'"-" with linespoints linewidth 2 title "{text}"' for text in data)
+        script = ['set terminal svg size 640,420 noenhanced font "sans-serif" background "white"',
                   f'set output "{directory / file}.svg"', f'set title "{title}"',
                   f'set xlabel "{label}"', 'set ylabel "ns, wall time per operation"',
-                  "set logscale xy", f"set xtics ({', '.join(map(str, xs))})",
-                  'set key outside bottom', "set grid",
-                  "plot " + ", ".join(f'"-" with linespoints linewidth 2 title "{text}"'
-                                      for text in data)]
+                  "set logscale xy", f"set xrange [{xs[0]}:{xs[-1]}]", f"set xtics ({ticks})",
+                  'set linetype 5 linecolor "#b22222"', "set key below", "set grid",
+                  f"plot {curves}"]
         for points in data.values():
             script += [f"{x} {y}" for x, y in points] + ["e"]
         subprocess.run(["gnuplot"], input="\n".join(script), text=True, check=True)
@@ -218,7 +228,7 @@ def main():
     with_bars = table([*head, "Bar", "Reached"], rows(figures, bars()))
     without = table(head, rows(figures, others()))
     summary = (f"Medians of {runs}, ratios within each run. {machine()}.\n\n{with_bars}\n"
-               f"Further figures, without a bar; 1 thread, beside another, where nothing is said:\n\n"
+               "Further figures, without a bar; 1 thread, beside another, if nothing is said:\n\n"
                f"{without}")
     print(summary)
     directory.with_suffix(".json").write_text(json.dumps(

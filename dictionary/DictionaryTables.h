@@ -12,7 +12,7 @@ namespace lyr {
 struct EntryTable {
     DicEntryLink** heads;
     ChainTails<DicEntryLink, 4096> tails;
-    HashIndex<LYRSysTSInfoDic> index;
+    HashIndex<LYRSysTSInfoDic, Readers::kUnderLock> index;
 
     /// Hangs the link of a new record, after index.Reserve.
     void Append(int bucket, std::size_t hash, DicEntryLink* link) {

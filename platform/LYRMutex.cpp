@@ -31,7 +31,8 @@
 // Why not std::recursive_mutex: it does not fit into one pointer, so each object would own a second
 // block of memory, slower to make and destroy, and able to fail. And a block that is freed at
 // process exit would still be used by threads on their way into it; here a destroyed mutex is a
-// word of static memory that says so. bench/locks_bench.cpp compares the two.
+// word of static memory that says so. bench/locks_bench.cpp and create_bench.cpp compare
+// the two.
 //
 // All of it is one word, so that a thread which looks sees one moment of the lock: 0 without a
 // lock, otherwise kUnlocked, the holder, its nested holds, and whether others may be waiting. The
@@ -78,13 +79,17 @@ bool IsOnlyThread() {
 #endif
 }
 
-/// Puts `to` in the place of `from`; false when something else stands there.
-bool Change(std::atomic<State>& word, State from, State to) {
+/// Puts `to` in the place of `from`; false, with what stands there in `from`, when that is another.
+bool Change(std::atomic<State>& word, State& from, State to) {
     if (!IsOnlyThread()) {
         return word.compare_exchange_strong(from, to, std::memory_order_acquire,
                                             std::memory_order_relaxed);
     }
-    if (word.load(std::memory_order_relaxed) != from) return false;
+    const State seen = word.load(std::memory_order_relaxed);
+    if (seen != from) {
+        from = seen;
+        return false;
+    }
     word.store(to, std::memory_order_relaxed);
     return true;
 }
@@ -188,8 +193,15 @@ void LYRMutex::LockF() LYR_NO_THREAD_SAFETY_ANALYSIS {
     if (kAnnotated && _state.load(std::memory_order_relaxed) == kNoLock) return;
     BeforeLock(this);
     // A free lock is taken without a look at it before: that would wait for its cache line twice.
-    const bool locked =
-        Change(_state, kUnlocked, kUnlocked | self) || AcquireSlowly(kUnlocked | self);
+    State state = kUnlocked;
+    bool locked = true;
+    if (!Change(_state, state, kUnlocked | self)) {
+        if ((state & kHolder) == self) {
+            Nest(_state, state);
+        } else {
+            locked = AcquireSlowly(kUnlocked | self);
+        }
+    }
     AfterLock(this, locked);
 }
 
@@ -198,10 +210,6 @@ bool LYRMutex::AcquireSlowly(State self) {
     for (;;) {
         State state = _state.load(std::memory_order_relaxed);
         if ((state & ~kWaiters) == kNoLock) return false;
-        if ((state & kHolder) == (self & kHolder)) {
-            Nest(_state, state);
-            return true;
-        }
         if ((state & kHolder) == 0) {
             if (Change(_state, state, self)) return true;
             continue;

@@ -22,7 +22,7 @@ LYRSmartMutex* GetGlobalGUIDDicoMutex() {
 namespace {
 
 // Looked into without the lock: what it finds never changes.
-constinit lyr::HashIndex<DicoGUIDNode> guidIndex;
+constinit lyr::HashIndex<DicoGUIDNode, lyr::Readers::kAny> guidIndex;
 constinit lyr::ChainTails<DicoGUIDNode, 4096> tails;
 
 const GUID* Find(const GUID& guid, std::size_t hash) {

@@ -36,7 +36,7 @@ constexpr std::size_t kBlockSize = sizeof(DicoStringBlock::chars);
 }
 
 // Looked into without the lock: what it finds never changes.
-constinit lyr::HashIndex<DicoStringNode> stringIndex;
+constinit lyr::HashIndex<DicoStringNode, lyr::Readers::kAny> stringIndex;
 
 const char* Find(std::string_view text, std::size_t hash) {
     const DicoStringNode* const node = stringIndex.Find(hash, [=](const DicoStringNode& known) {

@@ -7,12 +7,15 @@
 
 namespace lyr {
 
+/// Who looks into an index: threads that hold the table's lock, or any at any time.
+enum class Readers { kUnderLock, kAny };
+
 /// An index that stands beside a table of chains: it finds the node of a key at once, however long
 /// the chains are, and they keep the order. It holds each of the table's nodes once.
 ///
-/// Changed by one thread at a time, under the table's lock; looked into by any number of threads at
-/// the same time, without it. It is meant for static memory: constant-initialised, never destroyed.
-template <typename Node>
+/// It is changed by one thread at a time, under the table's lock. It is meant for static memory:
+/// constant-initialised, never destroyed.
+template <typename Node, Readers readers>
 class HashIndex {
 public:
     constexpr HashIndex() = default;
@@ -64,8 +67,8 @@ private:
         std::atomic<Node*> node;
     };
 
-    /// The slots follow the header. What has been outgrown is kept, since a thread may be looking
-    /// into it still; all of it together is smaller than the newest.
+    /// The slots follow the header. What has been outgrown is kept for readers without the lock,
+    /// which may be looking into it still; all of it together is smaller than the newest.
     struct alignas(Slot) Slots {
         std::size_t mask;
         Slots* smaller;
@@ -86,7 +89,8 @@ private:
     bool Grow(Slots* old, std::size_t size) {
         void* const memory = std::malloc(sizeof(Slots) + size * sizeof(Slot));
         if (memory == nullptr) return false;
-        auto* const grown = new (memory) Slots{size - 1, old};
+        constexpr bool keepsOld = readers == Readers::kAny;
+        auto* const grown = new (memory) Slots{size - 1, keepsOld ? old : nullptr};
         for (std::size_t i = 0; i < size; ++i) new (grown->Begin() + i) Slot{0, nullptr};
         if (old != nullptr) {
             for (std::size_t i = 0; i <= old->mask; ++i) {
@@ -96,6 +100,7 @@ private:
             }
         }
         _slots.store(grown, std::memory_order_release);
+        if (!keepsOld) std::free(old);
         return true;
     }
 
