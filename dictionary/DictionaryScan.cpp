@@ -8,6 +8,7 @@
 #include "registries/Intern.h"
 #include "support/MemoryShortage.h"
 
+#include <cerrno>
 #include <cstdint>
 #include <cstdlib>
 #include <dirent.h>
@@ -40,7 +41,9 @@ public:
 class Listing {
 public:
     explicit Listing(const char* directory)
-        : _count(scandir(directory, &_entries, LYRSysTSDictionary::_FileSelection, alphasort)) {}
+        : _count(scandir(directory, &_entries, LYRSysTSDictionary::_FileSelection, alphasort)) {
+        if (_count < 0 && errno == ENOMEM) ++memoryShortages;
+    }
     ~Listing() {
         if (_count < 0) return;
         for (dirent** entry = begin(); entry != end(); ++entry) std::free(*entry);

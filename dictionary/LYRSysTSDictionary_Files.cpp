@@ -3,6 +3,7 @@
 #include "LYRSysTSDictionary.h"
 #include "LYRSysTSDictionaryReader.h"
 #include "LineWords.h"
+#include "support/MemoryShortage.h"
 #include "support/MutexGuard.h"
 
 #include <cerrno>
@@ -75,6 +76,7 @@ HRESULT LYRSysTSDictionary::_ReadDictionary(const char* path, LYRSysTSDictionary
     const std::unique_ptr<std::FILE, CloseFile> file(std::fopen(path, "r"));
     if (file == nullptr) {
         const int reason = errno;
+        if (reason == ENOMEM) ++lyr::memoryShortages;
         std::fprintf(stderr, "Error : fopen on %s\n--> ", path);
         errno = reason;
         std::perror("fopen()");

@@ -46,8 +46,8 @@ struct ReadFileLink {
 /// _DeleteDictionary. The first registration of a value stays: a repetition is accepted, fills
 /// what is still empty and returns the same record; another value for a set field is refused with
 /// "Problem allocating structure dico\n" on standard error and a null result, and leaves every
-/// entry, and a record handed in as `info`, as it was. So does a lack of memory. Nothing throws
-/// but FindOrCreateMetaObject.
+/// entry, and a record handed in as `info`, as it was. So does a lack of memory. (An addition by
+/// ids and by names is two of these.) Nothing throws but FindOrCreateMetaObject.
 class LYR_EXPORT LYRSysTSDictionary {
 public:
     LYRSysTSDictionary() = delete;

@@ -75,9 +75,9 @@ void NoteExtended(LYRSysTSMetaClass* metaObject, const char* extendedName) {
     LYRSysTSMetaClassExt::AddExtendedComponent(metaObject, extendedName);
     LYRSysTSMetaClassBase* const base = metaObject->ToMetaClassBase();
     LYRSysTSMetaClassExt* const extension = base != nullptr ? base->CastToMetaExtension() : nullptr;
+    if (extension == nullptr) return;
     const char* const interned = lyr::InternText(extendedName);
-    if (extension == nullptr || interned == nullptr) return;
-    if (!extension->_IsExtensionOf(interned)) throw std::bad_alloc();
+    if (interned != nullptr && !extension->_IsExtensionOf(interned)) throw std::bad_alloc();
 }
 
 }  // namespace

@@ -5,19 +5,50 @@
 
 namespace {
 
-/// How the implementation object of a TIE counts: an extension together with the object that it
-/// extends.
+/// How the implementation object of a TIE counts.
 struct Counting {
-    LYRSysTSBaseUnknown* extended = nullptr;  // null for a component object
-    bool isKept = false;
+    LYRSysTSBaseUnknown* keeper = nullptr;  // of a kept extension: the object that counts for it
+    bool reachesOn = false;  // another extension: it counts itself, and then on what it extends
 
     explicit Counting(const LYRSysTSBaseUnknown& object) {
         LYRSysTSMetaClassExt* const extension = lyr::ToExtension(object.GetMetaObject());
         if (extension == nullptr) return;
-        extended = lyr::ObjectAccess::Extended(object);
-        isKept = extension->GetExtensionType() == KeptExtension;
+        LYRSysTSBaseUnknown* const extended = lyr::ObjectAccess::Extended(object);
+        if (extended == nullptr) return;
+        if (extension->GetExtensionType() == KeptExtension) {
+            keeper = extended;
+        } else {
+            reachesOn = true;
+        }
     }
 };
+
+// An object's lock is taken before the locks of its extensions: a factory that runs under it may
+// use a TIE over any of them. So a kept extension's comes after that of the object which keeps it
+// and counts for it; and an extension that counts on another object does so with no lock held.
+
+/// Gives back one count of the TIE and of its object. The TIE's new count; above 0 the TIE may be
+/// gone by the time: another thread's release.
+int ReleaseBoth(int& tieCount, LYRSysTSBaseUnknown* object) {
+    const Counting counting(*object);
+    int count = 0;
+    if (counting.reachesOn) {
+        {
+            const lyr::ObjectLock lock(object);
+            count = --tieCount;
+        }
+        object->Release();
+        return count;
+    }
+    lyr::ObjectLock keeperLock(counting.keeper);
+    lyr::ObjectLock lock(object);
+    count = --tieCount;
+    if (object->Release() == 0) {
+        lock.ObjectIsGone();
+        keeperLock.ObjectIsGone();
+    }
+    return count;
+}
 
 }  // namespace
 
@@ -35,13 +66,15 @@ HRESULT LYRSysTSTIEInternal::Tie_Query(LYRSysTSBaseUnknown* object, const GUID& 
     return object != nullptr ? object->QueryInterface(iid, out) : E_UNEXPECTED;
 }
 
-// Everywhere the extended object's lock is taken before its extension's: a factory that runs under
-// the one may use a TIE over the other.
-
 int LYRSysTSTIEInternal::Tie_AddRef(int& tieCount, LYRSysTSBaseUnknown* object) {
     if (object == nullptr) return 0;
     const Counting counting(*object);
-    const lyr::ObjectLock extendedLock(counting.extended);
+    if (counting.reachesOn) {
+        object->AddRef();
+        const lyr::ObjectLock lock(object);
+        return ++tieCount;
+    }
+    const lyr::ObjectLock keeperLock(counting.keeper);
     const lyr::ObjectLock lock(object);
     object->AddRef();
     return ++tieCount;
@@ -51,23 +84,7 @@ int LYRSysTSTIEInternal::Tie_Release(int& tieCount, LYRSysTSBaseUnknown*& object
                                      unsigned char& mustDelete) {
     mustDelete = 0;
     if (object == nullptr) return 0;
-    const Counting counting(*object);
-    // A transient extension's release may be the last one of the object that it extends. That
-    // must not go while its lock is held here.
-    LYRSysTSBaseUnknown* const guarded = counting.isKept ? nullptr : counting.extended;
-    if (guarded != nullptr) guarded->AddRef();
-    int count = 0;
-    {
-        lyr::ObjectLock extendedLock(counting.extended);
-        lyr::ObjectLock lock(object);
-        count = --tieCount;
-        if (object->Release() == 0) {
-            lock.ObjectIsGone();
-            if (counting.isKept) extendedLock.ObjectIsGone();
-        }
-    }
-    if (guarded != nullptr) guarded->Release();
-    // Above 0, the TIE may be gone by now: another thread's release.
+    const int count = ReleaseBoth(tieCount, object);
     if (count != 0) return count;
     object = nullptr;
     mustDelete = 1;

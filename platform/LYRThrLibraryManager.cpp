@@ -25,8 +25,8 @@ void* Fail(const char* words) {
     return nullptr;
 }
 
-/// The files that a library name may mean, in the order of trying. Without memory of the heap: a
-/// library must not be taken for absent because memory is short.
+/// The files that a library name may mean, in the order of trying. Without memory of the heap, so
+/// that a shortage here is not taken for an absent library.
 class Candidates {
 public:
     explicit Candidates(const char* name)
@@ -131,7 +131,7 @@ void* LYRThrLibraryManager::LoadLibrary(const char* name) {
         if (void* handle = ::dlopen(file, RTLD_NOW | RTLD_LOCAL)) return handle;
         failure.Note(LoaderWords(), file);
     }
-    return Fail(failure.Text());
+    return Fail(*failure.Text() != '\0' ? failure.Text() : "the library's name is too long");
 }
 
 void* LYRThrLibraryManager::GetFunctionAddress(const char* library, const char* symbol) {

@@ -78,13 +78,20 @@ TEST(Tie, TakesTheLockOfTheExtendedObjectFirst) {  // seen by the thread sanitiz
     });
     int count = 1;
     unsigned char deletes = 0;
+    Object* second = MakeTie(transient, Class("Second", TransientExtension),
+                             []() -> Object* { return new TestObject(true, Class("Second")); });
+    transient->AddRef();  // as a request raises it
+    int secondCount = 1;
+    Tie::Tie_AddRef(secondCount, second);
+    Tie::Tie_Release(secondCount, second, deletes);
+    EXPECT_EQ(Tie::Tie_Release(secondCount, second, deletes), 0);
     object->Lock();  // as around a factory, which may use a TIE over an extension
     Tie::Tie_AddRef(count, transient);
     object->Unlock();
     EXPECT_EQ(Tie::Tie_Release(count, transient, deletes), 1);
     EXPECT_EQ(Tie::Tie_Release(count, transient, deletes), 0);
     EXPECT_TRUE(deletes == 1 && transient == nullptr);
-    EXPECT_EQ(std::exchange(TestObject::ends, ""), "TransientGadget");
+    EXPECT_EQ(std::exchange(TestObject::ends, ""), "SecondTransientGadget");
 }
 
 TEST(ChainLink, TakesOneNextLinkThatHasNone) {
