@@ -102,26 +102,31 @@ TEST(Indexes, NeverDisagreeWithTheTables) {
     ExpectStoresAgree();
 }
 
+/// Ids that differ in their last bytes alone, so that a careless comparison takes one for another.
+GUID IdOf(unsigned number) {
+    return G(7, 2, 0, {0, 0, static_cast<std::uint8_t>(number)});
+}
+
 TEST(Indexes, TheCacheForgetsWithTheMetaObject) {
     ::setenv("LYRDictionaryPath", "", 1);
     for (unsigned round = 0; round < 20; ++round) {
         std::vector<LYRSysTSMetaClassImpl*> classes;
         const GUID clsid = G(round, 1);
-        for (unsigned c = 0; c < 40; ++c) {
+        for (unsigned c = 0; c < 10; ++c) {
             classes.push_back(new LYRSysTSMetaClassImpl(&clsid, "C", nullptr));
-            for (unsigned i = 0; i < 8; ++i) {
-                classes[c]->_AddInterfaceFactory(G(i, 2), Creator(1 + round + 100 * (c + 40 * i)));
+            for (unsigned i = 0; i < 160; ++i) {
+                classes[c]->_AddInterfaceFactory(IdOf(i), Creator(1 + round + 100 * (c + 10 * i)));
             }
         }
         std::vector<std::jthread> threads;
         for (unsigned t = 0; t < kThreads; ++t) {
             threads.emplace_back([&classes, round, t] {
                 std::mt19937 random(t);
-                for (int i = 0; i < 3000; ++i) {
-                    const auto c = static_cast<unsigned>(random() % 40);
-                    const auto k = static_cast<unsigned>(random() % 9);
-                    EXPECT_EQ(classes[c]->QueryDerivationInterfaceFactory(G(k, 2)),
-                              k == 8 ? nullptr : Creator(1 + round + 100 * (c + 40 * k)));
+                for (int i = 0; i < 6000; ++i) {
+                    const auto c = static_cast<unsigned>(random() % 10);
+                    const auto k = static_cast<unsigned>(random() % 161);
+                    EXPECT_EQ(classes[c]->QueryDerivationInterfaceFactory(IdOf(k)),
+                              k == 160 ? nullptr : Creator(1 + round + 100 * (c + 10 * k)));
                 }
             });
         }
