@@ -1,10 +1,10 @@
-#include "DictionaryScan.h"
+#include "dictionary/DictionaryScan.h"
 
-#include "DictionaryTables.h"
 #include "LYRSysTSClsidReader.h"
 #include "LYRSysTSDicReader.h"
 #include "LYRSysTSIidReader.h"
 #include "LYRSysTSStrtok.h"
+#include "dictionary/DictionaryTables.h"
 #include "registries/Intern.h"
 #include "support/MemoryShortage.h"
 

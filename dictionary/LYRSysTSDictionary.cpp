@@ -1,6 +1,6 @@
 #include "LYRSysTSDictionary.h"
 
-#include "DictionaryTables.h"
+#include "dictionary/DictionaryTables.h"
 #include "support/GuidBytes.h"
 #include "support/MutexGuard.h"
 #include "support/StartUpOrder.h"

@@ -1,8 +1,8 @@
-#include "DictionaryScan.h"
-#include "DictionaryTables.h"
 #include "LYRSysTSDictionary.h"
 #include "LYRSysTSDictionaryReader.h"
-#include "LineWords.h"
+#include "dictionary/DictionaryScan.h"
+#include "dictionary/DictionaryTables.h"
+#include "dictionary/LineWords.h"
 #include "support/MemoryShortage.h"
 #include "support/MutexGuard.h"
 

@@ -1,4 +1,4 @@
-#include "LineWords.h"
+#include "dictionary/LineWords.h"
 
 namespace lyr {
 
