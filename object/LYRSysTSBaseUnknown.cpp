@@ -13,7 +13,7 @@ LYRSysTSBaseUnknown::LYRSysTSBaseUnknown(unsigned char threadSafe)
 
 LYRSysTSBaseUnknown::~LYRSysTSBaseUnknown() {
     while (_lockDepth > 0) Unlock();
-    _extensionLink = nullptr;
+    lyr::ObjectAccess::SetChain(*this, nullptr);
 }
 
 void LYRSysTSBaseUnknown::Lock() {
@@ -52,33 +52,22 @@ HRESULT LYRSysTSBaseUnknown::QueryInterface(const GUID& iid, void** out) {
 }
 
 std::uint32_t LYRSysTSBaseUnknown::AddRef() {
-    LYRSysTSMetaClassExt* const extension = lyr::ToExtension(GetMetaObject());
-    if (extension == nullptr) return _RaiseCount();
-    LYRSysTSBaseUnknown* const extended = lyr::ObjectAccess::Extended(*this);
-    if (extended == nullptr) return _RaiseCount();
-
-    if (extension->GetExtensionType() == KeptExtension) return extended->AddRef();
+    const lyr::Counting counting(*this);
+    if (counting.isKept) return counting.extended->AddRef();
     const std::uint32_t count = _RaiseCount();
-    extended->AddRef();
+    if (counting.extended != nullptr) counting.extended->AddRef();
     return count;
 }
 
 std::uint32_t LYRSysTSBaseUnknown::Release() {
-    LYRSysTSMetaClassExt* const extension = lyr::ToExtension(GetMetaObject());
-    if (extension == nullptr) {
-        const std::uint32_t count = _LowerCount();
-        if (count != 0) return count;
-        _DeleteChain();
-        delete this;
-        return 0;
-    }
-
-    LYRSysTSBaseUnknown* const extended = lyr::ObjectAccess::Extended(*this);
-    const bool isKept = extension->GetExtensionType() == KeptExtension;
-    if (extended != nullptr && isKept) return extended->Release();
+    const lyr::Counting counting(*this);
+    if (counting.isKept) return counting.extended->Release();
     const std::uint32_t count = _LowerCount();
-    if (count == 0) delete this;
-    if (extended != nullptr) extended->Release();
+    if (count == 0) {
+        if (counting.extended == nullptr) _DeleteChain();
+        delete this;
+    }
+    if (counting.extended != nullptr) counting.extended->Release();
     return count;
 }
 
@@ -95,7 +84,8 @@ std::uint32_t LYRSysTSBaseUnknown::_LowerCount() {
 // The references to a kept extension are counted on this object, so its own count is not asked.
 void LYRSysTSBaseUnknown::_DeleteChain() {
     LYRSysTSChainExtension* link = lyr::ObjectAccess::Chain(*this);
-    _extensionLink = nullptr;
+    if (link == nullptr) return;
+    lyr::ObjectAccess::SetChain(*this, nullptr);
     while (link != nullptr) {
         const std::unique_ptr<LYRSysTSChainExtension> current(link);
         link = current->GetNextChainExtension();

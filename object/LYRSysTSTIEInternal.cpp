@@ -5,23 +5,7 @@
 
 namespace {
 
-/// How the implementation object of a TIE counts.
-struct Counting {
-    LYRSysTSBaseUnknown* keeper = nullptr;  // of a kept extension: the object that counts for it
-    bool reachesOn = false;  // another extension: it counts itself, and then on what it extends
-
-    explicit Counting(const LYRSysTSBaseUnknown& object) {
-        LYRSysTSMetaClassExt* const extension = lyr::ToExtension(object.GetMetaObject());
-        if (extension == nullptr) return;
-        LYRSysTSBaseUnknown* const extended = lyr::ObjectAccess::Extended(object);
-        if (extended == nullptr) return;
-        if (extension->GetExtensionType() == KeptExtension) {
-            keeper = extended;
-        } else {
-            reachesOn = true;
-        }
-    }
-};
+using lyr::Counting;
 
 // An object's lock is taken before the locks of its extensions: a factory that runs under it may
 // use a TIE over any of them. So a kept extension's comes after that of the object which keeps it
@@ -32,7 +16,7 @@ struct Counting {
 int ReleaseBoth(int& tieCount, LYRSysTSBaseUnknown* object) {
     const Counting counting(*object);
     int count = 0;
-    if (counting.reachesOn) {
+    if (counting.extended != nullptr && !counting.isKept) {
         {
             const lyr::ObjectLock lock(object);
             count = --tieCount;
@@ -40,7 +24,7 @@ int ReleaseBoth(int& tieCount, LYRSysTSBaseUnknown* object) {
         object->Release();
         return count;
     }
-    lyr::ObjectLock keeperLock(counting.keeper);
+    lyr::ObjectLock keeperLock(counting.extended);
     lyr::ObjectLock lock(object);
     count = --tieCount;
     if (object->Release() == 0) {
@@ -69,12 +53,12 @@ HRESULT LYRSysTSTIEInternal::Tie_Query(LYRSysTSBaseUnknown* object, const GUID& 
 int LYRSysTSTIEInternal::Tie_AddRef(int& tieCount, LYRSysTSBaseUnknown* object) {
     if (object == nullptr) return 0;
     const Counting counting(*object);
-    if (counting.reachesOn) {
+    if (counting.extended != nullptr && !counting.isKept) {
         object->AddRef();
         const lyr::ObjectLock lock(object);
         return ++tieCount;
     }
-    const lyr::ObjectLock keeperLock(counting.keeper);
+    const lyr::ObjectLock keeperLock(counting.extended);
     const lyr::ObjectLock lock(object);
     object->AddRef();
     return ++tieCount;

@@ -3,13 +3,15 @@
 #include "LYRSysTSBaseUnknown.h"
 #include "LYRSysTSChainExtension.h"
 #include "LYRSysTSMetaClassExt.h"
+#include "support/SharedField.h"
 
 #include <utility>
 
 namespace lyr {
 
 /// What the sources of this room need of an object's state. The link has two meanings, and the
-/// object's kind says which: work the kind out first.
+/// object's kind says which. It is read without the lock too: to learn that there is none, and in
+/// an extension, where it is set before anybody else knows the object.
 struct ObjectAccess {
     static bool IsThreadSafe(const LYRSysTSBaseUnknown& object) {
         return object._mutex.HoldsLock();
@@ -25,20 +27,24 @@ struct ObjectAccess {
         object._mutex.UnlockF();
     }
 
+    static bool HasLink(const LYRSysTSBaseUnknown& object) {
+        return LoadShared(object._extensionLink) != nullptr;
+    }
+
     /// Component object: the first link of its kept extensions, or null. Under its lock.
     static LYRSysTSChainExtension* Chain(const LYRSysTSBaseUnknown& object) {
-        return static_cast<LYRSysTSChainExtension*>(object._extensionLink);
+        return static_cast<LYRSysTSChainExtension*>(LoadShared(object._extensionLink));
     }
     static void SetChain(LYRSysTSBaseUnknown& object, LYRSysTSChainExtension* first) {
-        object._extensionLink = first;
+        StoreShared(object._extensionLink, first);
     }
 
     /// Extension object: the object that it extends, or null.
     static LYRSysTSBaseUnknown* Extended(const LYRSysTSBaseUnknown& extension) {
-        return static_cast<LYRSysTSBaseUnknown*>(extension._extensionLink);
+        return static_cast<LYRSysTSBaseUnknown*>(LoadShared(extension._extensionLink));
     }
     static void SetExtended(LYRSysTSBaseUnknown& extension, LYRSysTSBaseUnknown* extended) {
-        extension._extensionLink = extended;
+        StoreShared(extension._extensionLink, extended);
     }
 };
 
@@ -48,6 +54,21 @@ inline LYRSysTSMetaClassExt* ToExtension(LYRSysTSMetaClass* metaObject) {
         metaObject != nullptr ? metaObject->ToMetaClassBase() : nullptr;
     return base != nullptr ? base->CastToMetaExtension() : nullptr;
 }
+
+/// Who counts the references to an object.
+struct Counting {
+    LYRSysTSBaseUnknown* extended = nullptr;  // what it extends; null: it counts for itself alone
+    bool isKept = false;  // `extended` counts in its place; else both count, each its own
+
+    // Without a link it extends nothing, whatever its kind: most objects are answered by that.
+    explicit Counting(const LYRSysTSBaseUnknown& object) {
+        if (!ObjectAccess::HasLink(object)) return;
+        LYRSysTSMetaClassExt* const extension = ToExtension(object.GetMetaObject());
+        if (extension == nullptr) return;
+        extended = ObjectAccess::Extended(object);
+        isKept = extension->GetExtensionType() == KeptExtension;
+    }
+};
 
 /// Holds the lock of an object while it lives, or until Release; does nothing for null and for an
 /// object that has none.

@@ -33,10 +33,9 @@ protected:
     static constexpr std::uint64_t kNoLock = 0;
     static constexpr std::uint64_t kUnlocked = 2;
 
-    /// kNoLock, or kUnlocked together with the thread that holds the lock, its nested holds and
-    /// whether others wait for it.
+    /// kNoLock, kUnlocked, or the thread that holds the lock and its nested holds.
     std::atomic<std::uint64_t> _state;
 
 private:
-    LYR_LOCAL bool AcquireSlowly(std::uint64_t self);
+    LYR_LOCAL bool AcquireSlowly(std::uint64_t held);
 };
