@@ -36,7 +36,7 @@ Addition::Addition(const char* className, const char* interfaceName, const char*
     _given.sharedLibrary = WithoutLib(sharedLibrary);
     _given.itfLeaf = itfLeaf;
     _given.extendedBy = extendedBy;
-    _given.creator = creator;
+    _given.creator.store(creator, std::memory_order_relaxed);
 }
 
 Addition::Addition(const GUID& clsid, const GUID& iid, LYRSysTSInterfaceFactory creator)
@@ -45,7 +45,7 @@ Addition::Addition(const GUID& clsid, const GUID& iid, LYRSysTSInterfaceFactory 
       _bucket(LYRSysTSDictionary::_ComputeHashKey(&clsid, &iid)) {
     _given.clsid = &clsid;
     _given.iid = &iid;
-    _given.creator = creator;
+    _given.creator.store(creator, std::memory_order_relaxed);
 }
 
 LYRSysTSInfoDic* Addition::Existing() const {
@@ -61,10 +61,8 @@ bool Addition::Prepare(LYRSysTSInfoDic* info) {
     LYRSysTSInfoDic* const existing = Existing();
     LYRSysTSInfoDic* const record = ChooseRecord(existing, info);
     if (record == nullptr || ContradictsRecord(*record) || !InternMissing(*record)) return false;
-    if (existing == nullptr) {
-        _newLink = std::make_unique<DicEntryLink>(DicEntryLink{record, nullptr});
-        if (!Table().index.Reserve()) throw std::bad_alloc();
-    }
+    _isNew = existing == nullptr;
+    if (_isNew && !Table().Reserve()) throw std::bad_alloc();
     _record = record;
     return true;
 }
@@ -112,8 +110,10 @@ void Addition::Commit() {
     }
     // Last, so that whoever sees the creator without the lock also sees its library.
     const LYRSysTSInterfaceFactory creator = _given.creator;
-    if (creator != nullptr && _record->creator == nullptr) _record->creator = creator;
-    if (_newLink != nullptr) Table().Append(_bucket, _hash, _newLink.release());
+    if (creator != nullptr && _record->creator == nullptr) {
+        _record->creator.store(creator, std::memory_order_release);
+    }
+    if (_isNew) Table().Append(_bucket, _hash, _record);
     static_cast<void>(_newRecord.release());
 }
 

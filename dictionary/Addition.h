@@ -44,7 +44,7 @@ private:
     LYRSysTSInfoDic _missing;  // of that, interned, what the record still lacks
     LYRSysTSInfoDic* _record = nullptr;
     std::unique_ptr<LYRSysTSInfoDic> _newRecord;
-    std::unique_ptr<DicEntryLink> _newLink;
+    bool _isNew = false;  // the table does not have it yet
 };
 
 /// The additions of one record by ids and by names, made together: others see no state between the

@@ -3,6 +3,7 @@
 #include "LYRSysTSDictionary.h"
 #include "support/Chain.h"
 #include "support/HashIndex.h"
+#include "support/NodePool.h"
 
 #include <cstddef>
 
@@ -12,12 +13,27 @@ namespace lyr {
 struct EntryTable {
     DicEntryLink** heads;
     ChainTails<DicEntryLink, 4096> tails;
+    NodePool<DicEntryLink> links;
     HashIndex<LYRSysTSInfoDic, Readers::kUnderLock> index;
 
-    /// Hangs the link of a new record, after index.Reserve.
-    void Append(int bucket, std::size_t hash, DicEntryLink* link) {
-        tails.Append(heads[bucket], static_cast<std::size_t>(bucket), link);
-        index.Add(hash, link->info);
+    /// Makes sure that one more Append has room; false when memory is out.
+    bool Reserve() { return links.Reserve() && index.Reserve(); }
+
+    /// Hangs a new record, after Reserve.
+    void Append(int bucket, std::size_t hash, LYRSysTSInfoDic* record) {
+        tails.Append(heads[bucket], static_cast<std::size_t>(bucket),
+                     links.Make({record, nullptr}));
+        index.Add(hash, record);
+    }
+
+    /// Empties the table, handing each record to `dispose`.
+    template <typename Dispose>
+    void Clear(Dispose dispose) {
+        index.Clear();
+        tails.Clear();
+        FreeChains(std::span<DicEntryLink*, 4096>(heads, 4096),
+                   [&](const DicEntryLink* link) { dispose(link->info); });
+        links.Clear();
     }
 };
 

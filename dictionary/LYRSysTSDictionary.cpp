@@ -8,7 +8,6 @@
 #include "support/TextHash.h"
 
 #include <bit>
-#include <span>
 
 constinit DicEntryLink* LYRSysTSDictionary::_dicByName[4096] = {};
 constinit DicEntryLink* LYRSysTSDictionary::_dicByGUID[4096] = {};
@@ -44,26 +43,18 @@ void LYRSysTSDictionary::_DeleteDictionary() {
     {
         // A record with a class name is in the table by name, which frees it.
         const lyr::MutexGuard guard(*GetGlobalDicoMutex());
-        lyr::DictionaryTables::byGUID.index.Clear();
-        lyr::DictionaryTables::byGUID.tails.Clear();
-        lyr::FreeChains(std::span(_dicByGUID), [](DicEntryLink* link) {
-            if (link->info != nullptr && link->info->className == nullptr) delete link->info;
-            delete link;
+        lyr::DictionaryTables::byGUID.Clear([](const LYRSysTSInfoDic* record) {
+            if (record != nullptr && record->className == nullptr) delete record;
         });
     }
     const lyr::MutexGuard guard(*GetGlobalDicoMutex());
-    lyr::DictionaryTables::byName.index.Clear();
-    lyr::DictionaryTables::byName.tails.Clear();
-    lyr::FreeChains(std::span(_dicByName), [](DicEntryLink* link) {
-        delete link->info;
-        delete link;
-    });
+    lyr::DictionaryTables::byName.Clear([](const LYRSysTSInfoDic* record) { delete record; });
 }
 
 namespace lyr {
 
-constinit EntryTable DictionaryTables::byName{LYRSysTSDictionary::_dicByName, {}, {}};
-constinit EntryTable DictionaryTables::byGUID{LYRSysTSDictionary::_dicByGUID, {}, {}};
+constinit EntryTable DictionaryTables::byName{LYRSysTSDictionary::_dicByName, {}, {}, {}};
+constinit EntryTable DictionaryTables::byGUID{LYRSysTSDictionary::_dicByGUID, {}, {}, {}};
 
 std::size_t DictionaryTables::Hash(const char* className, const char* interfaceName) {
     return TextHash(className) ^ std::rotl(TextHash(interfaceName), 21);

@@ -12,6 +12,7 @@
 #include <dirent.h>
 #include <memory>
 #include <new>
+#include <stdio_ext.h>
 #include <string_view>
 
 namespace {
@@ -83,6 +84,8 @@ HRESULT LYRSysTSDictionary::_ReadDictionary(const char* path, LYRSysTSDictionary
         return E_FAIL;
     }
 
+    // Nobody else has the stream: no lock and unlock around each piece.
+    __fsetlocking(file.get(), FSETLOCKING_BYCALLER);
     char piece[2048];
     for (int lineNumber = 1; std::fgets(piece, sizeof piece, file.get()) != nullptr; ++lineNumber) {
         char* words[lyr::kMaxWords];

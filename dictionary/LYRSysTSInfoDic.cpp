@@ -16,7 +16,7 @@ LYRSysTSInfoDic::~LYRSysTSInfoDic() {
     className = nullptr;
     interfaceName = nullptr;
     sharedLibrary = nullptr;
-    creator = nullptr;
+    creator.store(nullptr, std::memory_order_relaxed);  // nobody else has it any more
     itfLeaf = nullptr;
     extendedBy = nullptr;
 }

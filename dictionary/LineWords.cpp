@@ -8,6 +8,11 @@ bool IsSeparator(char c) {
     return c == ' ' || c == '\t' || c == '\n';
 }
 
+/// Most characters of a file lie inside words, and are told from separators by one comparison.
+bool IsInWord(char c) {
+    return static_cast<unsigned char>(c) > ' ' || (c != '\0' && !IsSeparator(c));
+}
+
 bool IsComment(const char* piece) {
     return piece[0] == '#' || (piece[0] == '/' && piece[1] == '/');
 }
@@ -19,18 +24,12 @@ int CutWords(char* piece, char* (&words)[kMaxWords]) {
     if (IsComment(piece)) return 0;
 
     int count = 0;
-    bool inWord = false;
-    for (char* c = piece; *c != '\0'; ++c) {
-        if (IsSeparator(*c)) {
-            *c = '\0';
-            inWord = false;
-        } else if (!inWord) {
-            if (count == kMaxWords) break;
-            words[count++] = c;
-            inWord = true;
-        }
+    for (char* c = piece;;) {
+        for (; IsSeparator(*c); ++c) *c = '\0';
+        if (*c == '\0' || count == kMaxWords) return count;
+        words[count++] = c;
+        while (IsInWord(*c)) ++c;
     }
-    return count;
 }
 
 }  // namespace lyr

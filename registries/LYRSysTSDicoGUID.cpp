@@ -5,9 +5,8 @@
 #include "support/GuidBytes.h"
 #include "support/HashIndex.h"
 #include "support/MutexGuard.h"
+#include "support/NodePool.h"
 #include "support/StartUpOrder.h"
-
-#include <new>
 
 constinit DicoGUIDNode* LYRSysTSDicoGUID::_DicoGUID[4096] = {};
 constinit std::atomic<bool> LYRSysTSDicoGUID::_DictionaryCleared = false;
@@ -24,6 +23,7 @@ namespace {
 // Looked into without the lock: what it finds never changes.
 constinit lyr::HashIndex<DicoGUIDNode, lyr::Readers::kAny> guidIndex;
 constinit lyr::ChainTails<DicoGUIDNode, 4096> tails;
+constinit lyr::NodePool<DicoGUIDNode> nodes;
 
 const GUID* Find(const GUID& guid, std::size_t hash) {
     const DicoGUIDNode* const node =
@@ -52,9 +52,8 @@ const GUID* LYRSysTSDicoGUID::AddGUIDInDico(const GUID* g) {
     const unsigned key = KeyOf(*g);
     const lyr::MutexGuard guard(*GetGlobalGUIDDicoMutex());
     if (const GUID* const known = Find(*g, hash)) return known;
-    if (!guidIndex.Reserve()) return nullptr;
-    auto* const node = new (std::nothrow) DicoGUIDNode{nullptr, *g};
-    if (node == nullptr) return nullptr;
+    if (!guidIndex.Reserve() || !nodes.Reserve()) return nullptr;
+    DicoGUIDNode* const node = nodes.Make({nullptr, *g});
     tails.Append(_DicoGUID[key], key, node);
     guidIndex.Add(hash, node);
     return &node->guid;
@@ -75,5 +74,6 @@ void LYRSysTSDicoGUID::_FreeDictionary() {
     const lyr::MutexGuard guard(*GetGlobalGUIDDicoMutex());
     guidIndex.Clear();
     tails.Clear();
-    lyr::FreeChains(std::span(_DicoGUID), [](DicoGUIDNode* node) { delete node; });
+    lyr::ClearHeads(_DicoGUID);
+    nodes.Clear();
 }

@@ -4,13 +4,12 @@
 #include "support/Chain.h"
 #include "support/HashIndex.h"
 #include "support/MutexGuard.h"
+#include "support/NodePool.h"
 #include "support/StartUpOrder.h"
 #include "support/TextHash.h"
 
 #include <cstdlib>
 #include <cstring>
-#include <memory>
-#include <new>
 #include <string_view>
 
 constinit DicoStringNode* LYRSysTSDicoString::_DicoString[4096] = {};
@@ -35,14 +34,14 @@ constexpr std::size_t kBlockSize = sizeof(DicoStringBlock::chars);
     StaticStringMutextToForceInitDuringDllLoading = GetGlobalStringDicoMutex();
 }
 
-// Looked into without the lock: what it finds never changes.
-constinit lyr::HashIndex<DicoStringNode, lyr::Readers::kAny> stringIndex;
+// The texts alone: a look-up need not pass through their nodes. Looked into without the lock: what
+// it finds never changes.
+constinit lyr::HashIndex<const char, lyr::Readers::kAny> stringIndex;
+constinit lyr::NodePool<DicoStringNode> nodes;
 
-const char* Find(std::string_view text, std::size_t hash) {
-    const DicoStringNode* const node = stringIndex.Find(hash, [=](const DicoStringNode& known) {
-        return text == std::string_view(known.text, static_cast<std::size_t>(known.length));
-    });
-    return node != nullptr ? node->text : nullptr;
+const char* Find(const char* text, std::size_t hash) {
+    return stringIndex.Find(hash,
+                            [=](const char& known) { return std::strcmp(&known, text) == 0; });
 }
 
 unsigned KeyOf(std::string_view text) {
@@ -58,25 +57,23 @@ const char* LYRSysTSDicoString::AddStringInDico(const char* s) {
     const std::string_view text(s);
     if (text.size() >= kBlockSize) return nullptr;
     const std::size_t hash = lyr::TextHash(text);
-    if (const char* const known = Find(text, hash)) return known;
+    if (const char* const known = Find(s, hash)) return known;
 
     const unsigned key = KeyOf(text);
     const lyr::MutexGuard guard(*GetGlobalStringDicoMutex());
-    if (const char* const known = Find(text, hash)) return known;
+    if (const char* const known = Find(s, hash)) return known;
     const auto length = static_cast<std::int32_t>(text.size());
     const auto slot = lyr::FindSlot(_DicoString[key], [=](const DicoStringNode& node) {
         if (node.length != length) return node.length < length;
         return std::strcmp(node.text, s) > 0;
     });
 
-    std::unique_ptr<DicoStringNode> node(new (std::nothrow) DicoStringNode);
-    if (node == nullptr || !stringIndex.Reserve()) return nullptr;
+    if (!nodes.Reserve() || !stringIndex.Reserve()) return nullptr;
     char* const copy = _TakeRoom(length + 1);
     if (copy == nullptr) return nullptr;
     std::memcpy(copy, s, text.size() + 1);
-    *node = {slot.link, copy, length};
-    stringIndex.Add(hash, node.get());
-    *slot.place = node.release();
+    *slot.place = nodes.Make({slot.link, copy, length});
+    stringIndex.Add(hash, copy);
     return copy;
 }
 
@@ -122,5 +119,6 @@ void LYRSysTSDicoString::_FreeDictionary() {
     _StringForDicoAvailable = nullptr;
     _SizeStringForDicoAvailable = 0;
     stringIndex.Clear();
-    lyr::FreeChains(std::span(_DicoString), [](DicoStringNode* node) { delete node; });
+    lyr::ClearHeads(_DicoString);
+    nodes.Clear();
 }

@@ -1,7 +1,9 @@
 #pragma once
 
+#include <algorithm>
 #include <atomic>
 #include <cstddef>
+#include <cstdint>
 #include <cstdlib>
 #include <new>
 
@@ -27,11 +29,11 @@ public:
     Node* Find(std::size_t hash, Matches matches) const {
         const Slots* const slots = _slots.load(std::memory_order_acquire);
         if (slots == nullptr) return nullptr;
+        const Tag wanted = TagOf(hash);
         for (std::size_t i = hash & slots->mask;; i = (i + 1) & slots->mask) {
-            const Slot& slot = slots->Begin()[i];
-            Node* const node = slot.node.load(std::memory_order_acquire);
-            if (node == nullptr) return nullptr;
-            if (slot.hash.load(std::memory_order_relaxed) == hash && matches(*node)) return node;
+            const Tag tag = slots->tags[i].load(std::memory_order_acquire);
+            if (tag == kFree) return nullptr;
+            if (tag == wanted && matches(*slots->nodes[i])) return slots->nodes[i];
         }
     }
 
@@ -45,7 +47,7 @@ public:
 
     /// Adds a node, after Reserve.
     void Add(std::size_t hash, Node* node) {
-        Put(*_slots.load(std::memory_order_relaxed), hash, node);
+        Put(*_slots.load(std::memory_order_relaxed), TagOf(hash), static_cast<Place>(hash), node);
         ++_count;
     }
 
@@ -62,42 +64,53 @@ public:
 private:
     static constexpr std::size_t kFirstSize = 64;
 
-    struct Slot {
-        std::atomic<std::size_t> hash;
-        std::atomic<Node*> node;
-    };
+    /// One end of the hash says where the search for its node begins. The other one keeps the
+    /// search from looking at other nodes on its way, so that an unknown key costs a few bytes.
+    using Place = std::uint32_t;
+    using Tag = std::uint8_t;
+    static constexpr Tag kFree = 0;
 
-    /// The slots follow the header. What has been outgrown is kept for readers without the lock,
-    /// which may be looking into it still; all of it together is smaller than the newest.
-    struct alignas(Slot) Slots {
+    static Tag TagOf(std::size_t hash) {
+        return static_cast<Tag>(std::max<std::size_t>(hash >> 56, kFree + 1));
+    }
+
+    /// One block of memory. The places are for the next growth alone. A slot's tag is set after its
+    /// node. What has been outgrown is kept for readers without the lock, which may be looking into
+    /// it still; all of it together is smaller than the newest.
+    struct Slots {
         std::size_t mask;
         Slots* smaller;
-
-        Slot* Begin() { return reinterpret_cast<Slot*>(this + 1); }
-        const Slot* Begin() const { return reinterpret_cast<const Slot*>(this + 1); }
+        Node** nodes;
+        Place* places;
+        std::atomic<Tag>* tags;
     };
 
-    static void Put(Slots& slots, std::size_t hash, Node* node) {
-        std::size_t i = hash & slots.mask;
-        while (slots.Begin()[i].node.load(std::memory_order_relaxed) != nullptr) {
-            i = (i + 1) & slots.mask;
-        }
-        slots.Begin()[i].hash.store(hash, std::memory_order_relaxed);
-        slots.Begin()[i].node.store(node, std::memory_order_release);
+    static Slots* MakeSlots(std::size_t size, Slots* smaller) {
+        constexpr std::size_t slotSize = sizeof(Node*) + sizeof(Place) + sizeof(Tag);
+        void* const memory = std::malloc(sizeof(Slots) + size * slotSize);
+        if (memory == nullptr) return nullptr;
+        auto* const slots = new (memory) Slots{size - 1, smaller, nullptr, nullptr, nullptr};
+        slots->nodes = new (slots + 1) Node*[size];
+        slots->places = new (slots->nodes + size) Place[size];
+        slots->tags = new (slots->places + size) std::atomic<Tag>[size];
+        return slots;
+    }
+
+    static void Put(Slots& slots, Tag tag, Place place, Node* node) {
+        std::size_t i = place & slots.mask;
+        while (slots.tags[i].load(std::memory_order_relaxed) != kFree) i = (i + 1) & slots.mask;
+        slots.nodes[i] = node;
+        slots.places[i] = place;
+        slots.tags[i].store(tag, std::memory_order_release);
     }
 
     bool Grow(Slots* old, std::size_t size) {
-        void* const memory = std::malloc(sizeof(Slots) + size * sizeof(Slot));
-        if (memory == nullptr) return false;
         constexpr bool keepsOld = readers == Readers::kAny;
-        auto* const grown = new (memory) Slots{size - 1, keepsOld ? old : nullptr};
-        for (std::size_t i = 0; i < size; ++i) new (grown->Begin() + i) Slot{0, nullptr};
-        if (old != nullptr) {
-            for (std::size_t i = 0; i <= old->mask; ++i) {
-                const Slot& slot = old->Begin()[i];
-                Node* const node = slot.node.load(std::memory_order_relaxed);
-                if (node != nullptr) Put(*grown, slot.hash.load(std::memory_order_relaxed), node);
-            }
+        Slots* const grown = MakeSlots(size, keepsOld ? old : nullptr);
+        if (grown == nullptr) return false;
+        for (std::size_t i = 0; old != nullptr && i <= old->mask; ++i) {
+            const Tag tag = old->tags[i].load(std::memory_order_relaxed);
+            if (tag != kFree) Put(*grown, tag, old->places[i], old->nodes[i]);
         }
         _slots.store(grown, std::memory_order_release);
         if (!keepsOld) std::free(old);
