@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <condition_variable>
+#include <pthread.h>
 
 #if defined(__linux__)
 #include <linux/membarrier.h>
@@ -26,6 +27,19 @@ bool PassBarrierInAllThreads() {
 #endif
 }
 
+/// Keeps its thread from being cancelled: a lock is no place for that, as with any other mutex, and
+/// the table would keep a sleeper whose stack is gone.
+class Uncancelled {
+public:
+    Uncancelled() { ::pthread_setcancelstate(PTHREAD_CANCEL_DISABLE, &_before); }
+    ~Uncancelled() { ::pthread_setcancelstate(_before, &_before); }
+    Uncancelled(const Uncancelled&) = delete;
+    Uncancelled& operator=(const Uncancelled&) = delete;
+
+private:
+    int _before = PTHREAD_CANCEL_ENABLE;
+};
+
 }  // namespace
 
 /// On the stack of the thread that sleeps.
@@ -39,6 +53,7 @@ struct Sleepers::Sleeper {
 constinit Sleepers Sleepers::_all[kCount];
 
 void Sleepers::Sleep(const Word& word, bool (*isHeld)(std::uint64_t state)) {
+    const Uncancelled uncancelled;
     Sleeper self{&word};
     const auto isWoken = [&self] { return self.woken; };
     std::unique_lock<std::mutex> guard(_mutex);

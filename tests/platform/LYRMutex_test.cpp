@@ -3,6 +3,7 @@
 #include <future>
 #include <gtest/gtest.h>
 #include <new>
+#include <pthread.h>
 #include <thread>
 
 // Not checked by the compiler: nested holds, and unlocks by others, are the subject.
@@ -66,4 +67,19 @@ TEST(LYRMutex, RacingThreadsExcludeEachOtherAndTheLastMayFreeItAtOnce) {
         const std::jthread a(takeTurns), b(takeTurns), c(takeTurns);
     }
     EXPECT_EQ(freed, 400);
+}
+
+TEST(LYRMutex, AThreadIsNotCancelledWhileItWaits) {
+    for (const int milliseconds : {0, 20}) {
+        LYRSmartMutex mutex(0);
+        Lock(mutex);
+        bool gotIn = false;
+        std::thread waiter([&] { Lock(mutex), gotIn = true, Unlock(mutex); });
+        std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds));
+        pthread_cancel(waiter.native_handle());
+        std::this_thread::sleep_for(std::chrono::milliseconds(20));
+        Unlock(mutex);
+        waiter.join();
+        EXPECT_TRUE(gotIn) << milliseconds;
+    }
 }
