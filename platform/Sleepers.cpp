@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <condition_variable>
+#include <new>
 #include <pthread.h>
 
 #if defined(__linux__)
@@ -53,6 +54,8 @@ struct Sleepers::Sleeper {
 constinit Sleepers Sleepers::_all[kCount];
 
 void Sleepers::Sleep(const Word& word, bool (*isHeld)(std::uint64_t state)) {
+    // When memory is out, a child forgets nobody.
+    [[maybe_unused]] static const int registered = ::pthread_atfork(nullptr, nullptr, &ForgetAll);
     const Uncancelled uncancelled;
     Sleeper self{&word};
     const auto isWoken = [&self] { return self.woken; };
@@ -75,6 +78,10 @@ bool Sleepers::WakeOne(const Word& word) {
     woken->woken = true;
     woken->wake.notify_one();  // under the mutex: the sleeper dies as soon as it has it
     return true;
+}
+
+void Sleepers::ForgetAll() {
+    for (Sleepers& sleepers : _all) new (&sleepers) Sleepers;
 }
 
 void Sleepers::Append(Sleeper& sleeper) {

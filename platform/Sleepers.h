@@ -51,6 +51,11 @@ public:
 
 private:
     struct Sleeper;
+
+    /// In the child of a fork, which has none of the threads that slept, and where one of them may
+    /// have held a mutex of the table.
+    static void ForgetAll();
+
     void Append(Sleeper& sleeper);
     template <typename Test>
     Sleeper* Remove(Test test);
