@@ -7,6 +7,7 @@
 #include "support/MemoryShortage.h"
 #include "support/SharedField.h"
 
+#include <cerrno>
 #include <new>
 #include <string>
 
@@ -29,11 +30,17 @@ LYRSysTSMetaClassBase* FindClass(const char* name) {
     return metaObject != nullptr ? metaObject->ToMetaClassBase() : nullptr;
 }
 
+/// What was asked of a library. An absence for lack of memory, which may pass, is counted.
+void* Counted(void* answer) {
+    if (answer == nullptr && errno == ENOMEM) ++lyr::memoryShortages;
+    return answer;
+}
+
 /// The class, loading the library that is said to make its meta-object if there is none yet.
 LYRSysTSMetaClassBase* FindOrLoadClass(const char* name, const char* library) {
     LYRSysTSMetaClassBase* const found = FindClass(name);
     if (found != nullptr || library == nullptr) return found;
-    return LYRThrLibraryManager::LoadLibrary(library) != nullptr ? FindClass(name) : nullptr;
+    return Counted(LYRThrLibraryManager::LoadLibrary(library)) ? FindClass(name) : nullptr;
 }
 
 /// Whether the leaf interface is derived from the one that is asked for.
@@ -56,7 +63,7 @@ LYRSysTSInterfaceFactory FindEntryPoint(const Implementer& implementer, const ch
     name += implementer.leaf != nullptr ? implementer.leaf : interfaceName;
     name += implementer.extension != nullptr ? implementer.extension : className;
     return lyr::ToFunction<LYRSysTSInterfaceFactory>(
-        LYRThrLibraryManager::GetFunctionAddress(implementer.library, name.c_str()));
+        Counted(LYRThrLibraryManager::GetFunctionAddress(implementer.library, name.c_str())));
 }
 
 /// The factory that the entry by names leads to, in a library's entry point.

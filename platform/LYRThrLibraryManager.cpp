@@ -1,5 +1,6 @@
 #include "LYRThrLibraryManager.h"
 
+#include <cerrno>
 #include <cstdio>
 #include <cstring>
 #include <dlfcn.h>
@@ -19,9 +20,12 @@ std::mutex lastFailureMutex;
 char lastFailure[kFailureSize];  // guarded by lastFailureMutex, which is never held while loading
 
 /// Records the failure of an operation, whose result it returns.
-void* Fail(const char* words) {
-    const std::lock_guard<std::mutex> guard(lastFailureMutex);
-    std::snprintf(lastFailure, sizeof lastFailure, "%s", words);
+void* Fail(const char* words, bool forMemory = false) {
+    {
+        const std::lock_guard<std::mutex> guard(lastFailureMutex);
+        std::snprintf(lastFailure, sizeof lastFailure, "%s", words);
+    }
+    errno = forMemory ? ENOMEM : ENOENT;
     return nullptr;
 }
 
@@ -94,22 +98,32 @@ const char* LoaderWords() {
     return words != nullptr ? words : "the dynamic loader gives no reason";
 }
 
+/// Whether the loader, called with errno 0, has failed for lack of memory. Its allocations set
+/// errno then. That the system has refused to map the file shows in the words alone, and only in
+/// English.
+bool RanOutOfMemory(int error, const char* words) {
+    return error == ENOMEM || std::strstr(words, "failed to map segment") != nullptr;
+}
+
 /// The most telling failure of several attempts: the first that is more than a missing file, else
 /// the first.
 class Failure {
 public:
     Failure() { text_[0] = '\0'; }
-    void Note(const char* words, const char* file) {
+    void Note(int error, const char* words, const char* file) {
+        forMemory_ = forMemory_ || RanOutOfMemory(error, words);
         const bool missing = TellsOnlyThatItIsMissing(words, file);
         if (text_[0] != '\0' && (missing || !onlyMissing_)) return;
         onlyMissing_ = missing;
         std::snprintf(text_, sizeof text_, "%s", words);
     }
     const char* Text() const { return text_; }
+    bool ForMemory() const { return forMemory_; }
 
 private:
     char text_[kFailureSize];
     bool onlyMissing_ = true;
+    bool forMemory_ = false;
 };
 
 /// Whether `address` lies in the library that `handle` stands for, and not in a dependency of it.
@@ -128,10 +142,13 @@ void* LYRThrLibraryManager::LoadLibrary(const char* name) {
     Candidates candidates(name);
     Failure failure;
     while (const char* const file = candidates.Next()) {
+        errno = 0;
         if (void* handle = ::dlopen(file, RTLD_NOW | RTLD_LOCAL)) return handle;
-        failure.Note(LoaderWords(), file);
+        const int error = errno;
+        failure.Note(error, LoaderWords(), file);
     }
-    return Fail(*failure.Text() != '\0' ? failure.Text() : "the library's name is too long");
+    if (*failure.Text() == '\0') return Fail("the library's name is too long");
+    return Fail(failure.Text(), failure.ForMemory());
 }
 
 void* LYRThrLibraryManager::GetFunctionAddress(const char* library, const char* symbol) {
@@ -139,8 +156,13 @@ void* LYRThrLibraryManager::GetFunctionAddress(const char* library, const char* 
     void* handle = LoadLibrary(library);
     if (handle == nullptr) return nullptr;
     ::dlerror();
+    errno = 0;
     void* address = ::dlsym(handle, symbol);
-    if (address == nullptr) return Fail(LoaderWords());
+    if (address == nullptr) {
+        const int error = errno;
+        const char* const words = LoaderWords();
+        return Fail(words, RanOutOfMemory(error, words));
+    }
     if (!IsDefinedBy(handle, address)) {
         char words[kFailureSize];
         std::snprintf(words, sizeof words, "%s: symbol %s is only in a dependency", library,

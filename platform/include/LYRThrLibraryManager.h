@@ -11,8 +11,9 @@
 /// of the file, or of its directory and the name: "plugins/Geometry" also reaches
 /// plugins/libGeometry.so. A library stays loaded for the life of the process, its symbols kept to
 /// itself. Failures are not remembered: a library that is installed later is found by the next
-/// request. Any thread may call at any time; no lock of ours is held while a library loads, so that
-/// its initialisers may call back.
+/// request. After one, errno is ENOMEM when it may have been for lack of memory, and another value
+/// otherwise. Any thread may call at any time; no lock of ours is held while a library loads, so
+/// that its initialisers may call back.
 class LYR_EXPORT LYRThrLibraryManager {
 public:
     LYRThrLibraryManager() = delete;
