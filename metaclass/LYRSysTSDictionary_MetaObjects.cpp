@@ -49,6 +49,13 @@ struct DiscardMetaObject {
 
 namespace {
 
+/// Says at its end what the dictionary has refused, also when the caller fails later on. Stands
+/// before the lock is taken, so that it ends after it.
+struct Refusals {
+    int count = 0;
+    ~Refusals() { lyr::SayRefused(count); }
+};
+
 /// Makes the meta-object and records it by id and by name. What the dictionary refuses, such as the
 /// id of another class, is left out and counted in `refusals`. Throws std::bad_alloc with nothing
 /// recorded: a meta-object that is not recorded would be made once more by the next call.
@@ -88,15 +95,11 @@ LYRSysTSMetaClass* LYRSysTSDictionary::FindOrCreateMetaObject(const char* name,
                                                               LYRSysTSMetaClass* base,
                                                               const char* extendedName) {
     if (name == nullptr || lyr::SameText(name, "LYRNull")) return nullptr;
-    int refusals = 0;
-    LYRSysTSMetaClass* metaObject = nullptr;
-    {
-        const lyr::MutexGuard guard(*GetGlobalDicoMutex());
-        metaObject = QueryMetaObject(name);
-        if (metaObject == nullptr) metaObject = Create(name, type, clsid, base, refusals);
-        NoteExtended(metaObject, extendedName);
-    }
-    lyr::SayRefused(refusals);
+    Refusals refusals;
+    const lyr::MutexGuard guard(*GetGlobalDicoMutex());
+    LYRSysTSMetaClass* metaObject = QueryMetaObject(name);
+    if (metaObject == nullptr) metaObject = Create(name, type, clsid, base, refusals.count);
+    NoteExtended(metaObject, extendedName);
     return metaObject;
 }
 
