@@ -68,6 +68,7 @@ int LYRSysTSDictionary::_DicoIsAlreadyRead(const char* name) {
     try {
         return lyr::NoteReadFile(name) ? 0 : 1;
     } catch (const std::bad_alloc&) {
+        ++lyr::memoryShortages;
         return 0;
     }
 }
@@ -93,5 +94,7 @@ HRESULT LYRSysTSDictionary::_ReadDictionary(const char* path, LYRSysTSDictionary
         if (count == 0) continue;
         if (reader->PutInfo(words, count, path, lineNumber) < 0) return E_FAIL;
     }
-    return S_OK;
+    if (std::ferror(file.get()) == 0 || errno != ENOMEM) return S_OK;
+    ++lyr::memoryShortages;
+    return E_FAIL;
 }
