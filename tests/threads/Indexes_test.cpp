@@ -1,27 +1,13 @@
-// The tables are the truth; the indexes and the cache beside them must never say anything else. The
-// tables are private and exported, so they are found by their symbols and walked here.
+// The tables are the truth; the indexes and the cache beside them must never say anything else.
 #include "../metaclass/TestClasses.h"
+#include "TableWalk.h"
 
-#include <dlfcn.h>
 #include <latch>
 #include <random>
-#include <set>
 #include <thread>
 
 constexpr int kThreads = 4;
 constexpr int kNames = 3000;
-
-template <typename Link, typename Visit>
-std::size_t Walk(const char* symbol, Visit visit) {
-    auto** const heads = static_cast<Link**>(dlsym(RTLD_DEFAULT, symbol));
-    std::size_t count = 0;
-    for (int bucket = 0; bucket < 4096; ++bucket) {
-        for (Link* link = heads[bucket]; link != nullptr; link = link->next, ++count) {
-            visit(bucket, *link);
-        }
-    }
-    return count;
-}
 
 std::string NameOf(unsigned number) {
     return std::string(number % 7, 'x') + std::to_string(number);
@@ -48,47 +34,12 @@ void FillAtRandom() {
     }
 }
 
-void ExpectStoresAgree() {
-    const DicoStringNode* last = nullptr;
-    int lastBucket = -1;
-    std::set<std::string> names;
-    const std::size_t strings = Walk<DicoStringNode>(
-        "_ZN18LYRSysTSDicoString11_DicoStringE", [&](int bucket, DicoStringNode& node) {
-            int length = 0;
-            EXPECT_EQ(LYRSysTSDicoString::_ComputeStringKey(node.text, length), bucket);
-            EXPECT_EQ(LYRSysTSDicoString::AddStringInDico(node.text), node.text);
-            EXPECT_TRUE(names.insert(node.text).second) << "twice: " << node.text;
-            if (bucket == lastBucket) {
-                EXPECT_TRUE(last->length > length ||
-                            (last->length == length && std::strcmp(last->text, node.text) < 0));
-            }
-            last = &node;
-            lastBucket = bucket;
-        });
-    EXPECT_GT(strings, kNames / 2);
-    EXPECT_GT(
-        Walk<DicoGUIDNode>("_ZN16LYRSysTSDicoGUID9_DicoGUIDE",
-                           [](int bucket, DicoGUIDNode& node) {
-                               EXPECT_EQ(LYRSysTSDicoGUID::_ComputeGUIDKey(&node.guid), bucket);
-                               EXPECT_EQ(LYRSysTSDicoGUID::AddGUIDInDico(&node.guid), &node.guid);
-                           }),
-        kNames / 2);
-}
-
 TEST(Indexes, NeverDisagreeWithTheTables) {
     FillAtRandom();
-    ExpectStoresAgree();
-    const auto byName = Walk<DicEntryLink>(
-        "_ZN18LYRSysTSDictionary10_dicByNameE", [](int bucket, DicEntryLink& link) {
-            EXPECT_EQ(Dictionary::_ComputeHashKey(link.info->className, "I"), bucket);
-            EXPECT_EQ(Find(link.info->className), link.info);
-        });
-    const auto byId = Walk<DicEntryLink>(
-        "_ZN18LYRSysTSDictionary10_dicByGUIDE", [](int bucket, DicEntryLink& link) {
-            EXPECT_EQ(Dictionary::_ComputeHashKey(link.info->clsid, link.info->iid), bucket);
-            EXPECT_EQ(Find(*link.info->clsid, *link.info->iid), link.info);
-        });
-    EXPECT_EQ(byName, byId);
+    EXPECT_GT(ExpectStoresAgree(), kNames / 2);
+    ExpectEntriesAgree();
+    const auto all = [](int, const auto&) {};
+    EXPECT_EQ(WalkByName(all), WalkById(all));
 
     Dictionary::_DeleteDictionary();
     LYRSysTSDicoString::_FreeDictionary();
@@ -99,7 +50,8 @@ TEST(Indexes, NeverDisagreeWithTheTables) {
         LYRSysTSDicoString::AddStringInDico(NameOf(static_cast<unsigned>(i)).c_str());
         LYRSysTSDicoGUID::AddGUIDInDico(&id);
     }
-    ExpectStoresAgree();
+    EXPECT_GT(ExpectStoresAgree(), kNames / 2);
+    EXPECT_GT(WalkGUIDs(all), kNames / 2);
 }
 
 /// Ids that differ in their last bytes alone, so that a careless comparison takes one for another.
