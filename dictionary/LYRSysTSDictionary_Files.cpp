@@ -13,6 +13,7 @@
 #include <memory>
 #include <new>
 #include <stdio_ext.h>
+#include <string>
 #include <string_view>
 
 namespace {
@@ -29,6 +30,16 @@ bool HasExtension(std::string_view name, std::string_view extension) {
 const char* DictionaryPath() {
     if (std::getenv("LYRDictionaryNoPathNoFallback") != nullptr) return nullptr;
     return std::getenv("LYRDictionaryPath");
+}
+
+/// Says that the call has failed on the file, and why.
+HRESULT Fail(const char* call, const char* path) {
+    const int reason = errno;
+    if (reason == ENOMEM) ++lyr::memoryShortages;
+    std::fprintf(stderr, "Error : %s on %s\n--> ", call, path);
+    errno = reason;
+    std::perror((std::string(call) + "()").c_str());
+    return E_FAIL;
 }
 
 }  // namespace
@@ -76,14 +87,7 @@ int LYRSysTSDictionary::_DicoIsAlreadyRead(const char* name) {
 HRESULT LYRSysTSDictionary::_ReadDictionary(const char* path, LYRSysTSDictionaryReader* reader) {
     if (path == nullptr || reader == nullptr) return E_FAIL;
     const std::unique_ptr<std::FILE, CloseFile> file(std::fopen(path, "r"));
-    if (file == nullptr) {
-        const int reason = errno;
-        if (reason == ENOMEM) ++lyr::memoryShortages;
-        std::fprintf(stderr, "Error : fopen on %s\n--> ", path);
-        errno = reason;
-        std::perror("fopen()");
-        return E_FAIL;
-    }
+    if (file == nullptr) return Fail("fopen", path);
 
     // Nobody else has the stream: no lock and unlock around each piece.
     __fsetlocking(file.get(), FSETLOCKING_BYCALLER);
@@ -94,7 +98,6 @@ HRESULT LYRSysTSDictionary::_ReadDictionary(const char* path, LYRSysTSDictionary
         if (count == 0) continue;
         if (reader->PutInfo(words, count, path, lineNumber) < 0) return E_FAIL;
     }
-    if (std::ferror(file.get()) == 0 || errno != ENOMEM) return S_OK;
-    ++lyr::memoryShortages;
-    return E_FAIL;
+    // A directory with the name of a file, for one, can be opened and not read.
+    return std::ferror(file.get()) != 0 ? Fail("fgets", path) : S_OK;
 }

@@ -123,7 +123,8 @@ public:
     static int _DicoIsAlreadyRead(const char* name);
 
     /// Hands the lines of the file to the reader. E_FAIL for a null argument, a file that cannot
-    /// be opened (said on standard error) and after the first line that the reader refuses.
+    /// be opened or read to its end (said on standard error) and after the first line that the
+    /// reader refuses.
     static HRESULT _ReadDictionary(const char* path, LYRSysTSDictionaryReader* reader);
 
     /// The bucket (0 to 4095) of a pair; the same for both orders of it. A null counts as empty.

@@ -3,15 +3,18 @@
 TEST(DictionaryFiles, TheFirstDirectoryThatListsANameSuppliesIt) {
     TempDirectory first, second;
     first.Write("b.dicts", "Both I first\n");
-    const std::string dangling = first.Dangle("z.dicts");
+    const std::string dangling = first.Dangle("z.dicts"), directory = first.path + "/y.dicts";
+    std::filesystem::create_directory(directory);
     second.Write("a.dicts", "Both I second\nTwo I a\n");
-    for (const char* name : {"b.dicts", "z.dicts", ".dicts", ".clsidts", "a.clsidt", "a.dicts~"})
+    for (const char* name :
+         {"b.dicts", "y.dicts", "z.dicts", ".dicts", ".clsidts", "a.clsidt", "a.dicts~"})
         second.Write(name, "Hidden I L\n");
     second.Write("d.dicts", "Two I d\n");
     UseDictionaryPath(":" + first.path + "::/nowhere:" + second.path + ":" + first.path);
-    const std::string reason = "\n--> fopen(): No such file or directory\n";
-    ExpectErrors("Error : fopen on " + dangling + reason + kRefused + kRefused,
-                 [] { Dictionary::EnsureInitDictionary(); });
+    const std::string errors = "Error : fgets on " + directory +
+                               "\n--> fgets(): Is a directory\nError : fopen on " + dangling +
+                               "\n--> fopen(): No such file or directory\n";
+    ExpectErrors(errors + kRefused + kRefused, [] { Dictionary::EnsureInitDictionary(); });
     EXPECT_EQ(Dictionary::QueryDictionary("Hidden", "I", 1), nullptr);
     EXPECT_STREQ(Find("Both")->sharedLibrary, "first");
     EXPECT_STREQ(Find("Two")->sharedLibrary, "a");
