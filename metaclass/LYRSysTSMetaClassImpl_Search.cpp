@@ -54,7 +54,11 @@ bool Extends(const Implementer& implementer, const LYRSysTSMetaClass& extended) 
         FindOrLoadClass(implementer.extension, implementer.library);
     if (metaObject == nullptr) return false;
     LYRSysTSMetaClassExt* const extension = metaObject->CastToMetaExtension();
-    return extension != nullptr && extension->IsExtensionOf(&extended);
+    if (extension == nullptr) return false;
+    if (extension->IsExtensionOf(&extended)) return true;
+    // Its library may be loading in another thread, with this class still to be named.
+    return LYRThrLibraryManager::IsLoaded(implementer.library) &&
+           extension->IsExtensionOf(&extended);
 }
 
 LYRSysTSInterfaceFactory FindEntryPoint(const Implementer& implementer, const char* interfaceName,

@@ -151,6 +151,16 @@ void* LYRThrLibraryManager::LoadLibrary(const char* name) {
     return Fail(failure.Text(), failure.ForMemory());
 }
 
+bool LYRThrLibraryManager::IsLoaded(const char* name) {
+    if (name == nullptr || *name == '\0') return false;
+    Candidates candidates(name);
+    while (const char* const file = candidates.Next()) {
+        if (::dlopen(file, RTLD_NOW | RTLD_LOCAL | RTLD_NOLOAD) != nullptr) return true;
+    }
+    ::dlerror();
+    return false;
+}
+
 void* LYRThrLibraryManager::GetFunctionAddress(const char* library, const char* symbol) {
     if (symbol == nullptr) return Fail("no symbol is named");
     void* handle = LoadLibrary(library);

@@ -23,12 +23,16 @@ public:
     /// memory.
     static void* LoadLibrary(const char* name);
 
+    /// Whether the library is loaded. Waits while another thread loads it, until its initialisers
+    /// have run; loads nothing, and a "no" is no failure to tell of.
+    static bool IsLoaded(const char* name);
+
     /// The address of the function `symbol` in the library, which is loaded first if need be. Null
     /// when the library does not load, when `symbol` is null, or when the library itself does not
     /// define it: a function of the same name in one of its dependencies does not count.
     static void* GetFunctionAddress(const char* library, const char* symbol);
 
-    /// Why the last failure of either operation in this process came about, as far as possible in
+    /// Why the last failure of LoadLibrary or GetFunctionAddress came about, as far as possible in
     /// the dynamic loader's own words; empty while none has failed. When several files were tried,
     /// the words are about one that exists but cannot be loaded, if there is such. A copy, for
     /// people to read; it may be cut off at some 2000 characters.
