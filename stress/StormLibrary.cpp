@@ -1,0 +1,51 @@
+// One of several libraries, which differ in STORM_NUMBER: the entry points for its components, and
+// a kept and a transient extension of the classes Round and Square, made known while it loads.
+#include "../examples/support/Tie.h"
+#include "Storm.h"
+
+struct Component : LYRSysTSBaseUnknown {
+    Component() : LYRSysTSBaseUnknown(1) {}
+    static void* Make(void*) { return static_cast<IUnknown*>(new Component); }
+    Life life;
+};
+
+template <LYRSysTSTypeOfClass type>
+struct Extension : Component {
+    static LYRSysTSMetaClass* MetaObject() {
+        static LYRSysTSMetaClass* const meta = [] {
+            const std::string name = "Part" + std::to_string(type) + "Of" STORM_NUMBER;
+            auto* made =
+                LYRSysTSFindOrCreateMetaObject(name.c_str(), type, nullptr, nullptr, "Round");
+            LYRSysTSMetaClassExt::AddExtendedComponent(made, "Square");
+            return made;
+        }();
+        return meta;
+    }
+    LYRSysTSMetaClass* GetMetaObject() const override { return MetaObject(); }
+};
+
+template <LYRSysTSTypeOfClass type>
+struct PartTie : Tie<IPart, Extension<type>> {
+    const LYRSysTSBaseUnknown* Implementer() const override { return &this->Impl(); }
+    Life life;
+};
+
+const LYRSysTSMetaClass* const described[] = {Extension<KeptExtension>::MetaObject(),
+                                              Extension<TransientExtension>::MetaObject()};
+const LYRSysTSFillDictionary registered(
+    "Made" STORM_NUMBER, "CreateInterface",
+    reinterpret_cast<LYRSysTSInterfaceFactory>(reinterpret_cast<void*>(&Component::Make)));
+
+extern "C" LYR_EXPORT IUnknown* STORM_KEPT(LYRSysTSBaseUnknown* object, unsigned char) {
+    return MakeTie<PartTie<KeptExtension>>(object);
+}
+extern "C" LYR_EXPORT IUnknown* STORM_TRANSIENT(LYRSysTSBaseUnknown* object, unsigned char) {
+    return MakeTie<PartTie<TransientExtension>>(object);
+}
+extern "C" LYR_EXPORT void* STORM_MAKE(void* argument) {
+    return Component::Make(argument);
+}
+extern "C" LYR_EXPORT HRESULT LYRSysTSDllGetClassObject(const GUID&, const GUID&, void** out) {
+    *out = Component::Make(nullptr);
+    return S_OK;
+}

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <cstddef>
+#include <dlfcn.h>
+
+/// Visits every link of a table of 4096 chains, found by its symbol, since it is private and
+/// exported; the number of links.
+template <typename Link, typename Visit>
+std::size_t Walk(const char* symbol, Visit visit) {
+    auto** const heads = static_cast<Link**>(dlsym(RTLD_DEFAULT, symbol));
+    std::size_t count = 0;
+    for (int bucket = 0; bucket < 4096; ++bucket) {
+        for (Link* link = heads[bucket]; link != nullptr; link = link->next, ++count) {
+            visit(bucket, *link);
+        }
+    }
+    return count;
+}
+
+constexpr const char* kStrings = "_ZN18LYRSysTSDicoString11_DicoStringE";
+constexpr const char* kIds = "_ZN16LYRSysTSDicoGUID9_DicoGUIDE";
+constexpr const char* kEntriesByName = "_ZN18LYRSysTSDictionary10_dicByNameE";
+constexpr const char* kEntriesById = "_ZN18LYRSysTSDictionary10_dicByGUIDE";
