@@ -47,6 +47,19 @@ need() {
 # shellcheck disable=SC2034 # used by those that source this file
 build_tools=("cmake=cmake" "ninja=ninja-build" "g++=g++")
 
+# memcheck <preset>: valgrind over the example of a preset that is built.
+memcheck() {
+    say "Running the example of $1 under valgrind"
+    need "valgrind=valgrind"
+    quietly examples/run "build/$1" valgrind --leak-check=full --show-leak-kinds=definite,indirect \
+        --errors-for-leak-kinds=definite,indirect --error-exitcode=99
+}
+
+# The sanitizers' memory maps need addresses that are not randomised too far, where that may be set.
+without_randomisation=()
+# shellcheck disable=SC2034 # used by those that source this file
+if setarch -R true 2>/dev/null; then without_randomisation=(setarch -R); fi
+
 # build <preset>: configures and builds it in build/<preset>.
 build() {
     say "Building $1"
