@@ -123,6 +123,13 @@ void BeforeUnlock(void* mutex) {
 void AfterUnlock(void* mutex) {
     __tsan_mutex_post_unlock(mutex, __tsan_mutex_write_reentrant);
 }
+// As in LockF, where a sleeper's half of the waking is looked away from.
+void BeforeWake(void* mutex) {
+    __tsan_mutex_pre_signal(mutex, 0);
+}
+void AfterWake(void* mutex) {
+    __tsan_mutex_post_signal(mutex, 0);
+}
 // The destruction counts as a plain write there, and would race with threads that still come to a
 // process-wide lock at exit, as they may. Of a lock on the heap, freeing the memory counts as one.
 void Destroyed(void* mutex) {
@@ -136,6 +143,8 @@ void BeforeLock(void*) {}
 void AfterLock(void*, bool) {}
 void BeforeUnlock(void*) {}
 void AfterUnlock(void*) {}
+void BeforeWake(void*) {}
+void AfterWake(void*) {}
 void Destroyed(void*) {}
 #endif
 
@@ -152,9 +161,11 @@ LYRMutex::~LYRMutex() {
     const State state = _state.load(std::memory_order_relaxed);
     if (state == kNoLock) return;
     _state.store(kNoLock, std::memory_order_release);
+    BeforeWake(this);
     Sleepers::BetweenStoreAndLook();
     Sleepers& sleepers = Sleepers::Of(_state);
     while (sleepers.AreThere() && sleepers.WakeOne(_state)) continue;
+    AfterWake(this);
     if (state == kUnlocked) Destroyed(this);
 }
 
