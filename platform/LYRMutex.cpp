@@ -34,12 +34,14 @@ extern "C" void AnnotateIgnoreWritesEnd(const char* file, int line);
 // All of it is one word, so that a thread which looks sees one moment of the lock: 0 without a
 // lock, kUnlocked, or the holder and its nested holds. Whoever finds it unlocked takes it with one
 // atomic exchange; from then on only the holder writes it, so nested holds and the unlock are plain
-// stores. While the process has one thread, taking it is one too; the C library's own locks and
+// stores. (At exit the destructor writes it too. Where the holder's store comes last, the mutex
+// goes on as a lock instead of as none, which keeps nobody out for ever either.) While the process
+// has one thread, taking the lock is a plain store too; the C library's own locks and
 // std::shared_ptr do the same.
 //
-// Waiting. Sections are short, so whoever finds the lock held first tries for some microseconds,
-// ever less often, as each try takes the cache line from the holder. Then it sleeps until an unlock
-// wakes it; Sleepers.h tells how the two do not miss each other.
+// Waiting. Sections are short, so whoever finds the lock held tries a few times more, ever less
+// often, as each try takes the cache line from the holder. Then it sleeps until an unlock wakes it;
+// Sleepers.h tells how the two do not miss each other.
 //
 // Destruction right after another thread's unlock is safe: after its releasing store UnlockF uses
 // the mutex's address as a name only.
@@ -98,12 +100,9 @@ void Pause() {
 #endif
 }
 
-/// Takes the lock once more for the thread that holds it.
-void Nest(std::atomic<State>& word, State state) {
-    if ((state & kNested) == kNested) {
-        throw std::system_error(std::make_error_code(std::errc::resource_unavailable_try_again));
-    }
-    word.store(state + kOneNested, std::memory_order_relaxed);
+void ThrowUnlessOneMoreNests(State state) {
+    if ((state & kNested) != kNested) return;
+    throw std::system_error(std::make_error_code(std::errc::resource_unavailable_try_again));
 }
 
 // What ThreadSanitizer is told, so that it sees a re-entrant mutex instead of a few atomics and
@@ -171,12 +170,14 @@ LYRMutex::~LYRMutex() {
 
 void LYRMutex::LockF() LYR_NO_THREAD_SAFETY_ANALYSIS {
     const State self = Self();
-    if (kAnnotated && _state.load(std::memory_order_relaxed) == kNoLock) return;
-    BeforeLock(this);
     State seen = _state.load(std::memory_order_relaxed);
+    if (kAnnotated && seen == kNoLock) return;
+    const bool nests = (seen & kHolder) == self;
+    if (nests) ThrowUnlessOneMoreNests(seen);
+    BeforeLock(this);
     bool locked = true;
-    if ((seen & kHolder) == self) {
-        Nest(_state, seen);
+    if (nests) {
+        _state.store(seen + kOneNested, std::memory_order_relaxed);
     } else if (!Take(_state, kUnlocked, kUnlocked | self, seen)) {
         locked = seen != kNoLock && AcquireSlowly(kUnlocked | self);
     }

@@ -4,6 +4,7 @@
 #include <condition_variable>
 #include <new>
 #include <pthread.h>
+#include <type_traits>
 
 #if defined(__linux__)
 #include <linux/membarrier.h>
@@ -52,6 +53,7 @@ struct Sleepers::Sleeper {
 };
 
 constinit Sleepers Sleepers::_all[kCount];
+static_assert(std::is_trivially_destructible_v<Sleepers>, "locks are used until the very end");
 
 void Sleepers::Sleep(const Word& word, bool (*isHeld)(std::uint64_t state)) {
     // When memory is out, a child forgets nobody.

@@ -49,7 +49,7 @@ private:
     Link* _last[buckets] = {};
 };
 
-/// Empties every chain of a table, handing each link to `dispose`, which frees it.
+/// Empties every chain of a table, handing each link to `dispose`, after which it may be gone.
 template <typename Link, std::size_t buckets, typename Dispose>
 void FreeChains(std::span<Link*, buckets> heads, Dispose dispose) {
     for (Link*& head : heads) {

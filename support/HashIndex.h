@@ -30,7 +30,7 @@ public:
         const Slots* const slots = _slots.load(std::memory_order_acquire);
         if (slots == nullptr) return nullptr;
         const Tag wanted = TagOf(hash);
-        for (std::size_t i = hash & slots->mask;; i = (i + 1) & slots->mask) {
+        for (std::size_t i = static_cast<Place>(hash) & slots->mask;; i = (i + 1) & slots->mask) {
             const Tag tag = slots->tags[i].load(std::memory_order_acquire);
             if (tag == kFree) return nullptr;
             if (tag == wanted && matches(*slots->nodes[i])) return slots->nodes[i];

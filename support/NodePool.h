@@ -15,6 +15,7 @@ namespace lyr {
 template <typename Node>
 class NodePool {
     static_assert(std::is_trivially_destructible_v<Node>);
+    static_assert(alignof(Node) <= alignof(std::max_align_t), "malloc gives no more");
 
 public:
     constexpr NodePool() = default;

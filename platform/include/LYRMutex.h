@@ -10,9 +10,10 @@
 ///
 /// It is made through LYRSmartMutex, which decides whether it holds a lock at all. On one that
 /// holds none, or that has been destroyed at process exit and lies in static memory, both
-/// operations do nothing. A hold is given back by the thread that took it, once for each time it
-/// was taken. A mutex may be destroyed as soon as its last user has unlocked it, even while that
-/// other thread is still on its way out of UnlockF. Making and destroying one never fails.
+/// operations do nothing (one destroyed in the moment in which its holder nests or unlocks may go
+/// on as a lock). A hold is given back by the thread that took it, once for each time it was taken.
+/// A mutex may be destroyed as soon as its last user has unlocked it, even while that other thread
+/// is still on its way out of UnlockF. Making and destroying one never fails.
 class LYR_EXPORT LYR_CAPABILITY("mutex") LYRMutex {
 public:
     LYRMutex(const LYRMutex&) = delete;
