@@ -3,13 +3,13 @@
 #include <cstddef>
 #include <dlfcn.h>
 
-/// Visits every link of a table of 4096 chains, found by its symbol, since it is private and
-/// exported; the number of links.
+/// Visits every link of a table of chains, found by its symbol, since it is private and exported;
+/// the number of links.
 template <typename Link, typename Visit>
-std::size_t Walk(const char* symbol, Visit visit) {
+std::size_t Walk(const char* symbol, Visit visit, int buckets = 4096) {
     auto** const heads = static_cast<Link**>(dlsym(RTLD_DEFAULT, symbol));
     std::size_t count = 0;
-    for (int bucket = 0; bucket < 4096; ++bucket) {
+    for (int bucket = 0; bucket < buckets; ++bucket) {
         for (Link* link = heads[bucket]; link != nullptr; link = link->next, ++count) {
             visit(bucket, *link);
         }
