@@ -1,12 +1,13 @@
 // One of several libraries, which differ in STORM_NUMBER: the entry points for its components, and
-// a kept and a transient extension of the classes Round and Square, made known while it loads.
+// a kept and a transient extension of the class Shape, made known while it loads.
 #include "../examples/support/Tie.h"
-#include "Storm.h"
+#include "LYRComponentModel.h"
+
+#include <string>
 
 struct Component : LYRSysTSBaseUnknown {
     Component() : LYRSysTSBaseUnknown(1) {}
     static void* Make(void*) { return static_cast<IUnknown*>(new Component); }
-    Life life;
 };
 
 template <LYRSysTSTypeOfClass type>
@@ -15,19 +16,17 @@ struct Extension : Component {
         static LYRSysTSMetaClass* const meta = [] {
             const std::string name = "Part" + std::to_string(type) + "Of" STORM_NUMBER;
             auto* made =
-                LYRSysTSFindOrCreateMetaObject(name.c_str(), type, nullptr, nullptr, "Round");
-            LYRSysTSMetaClassExt::AddExtendedComponent(made, "Square");
+                LYRSysTSFindOrCreateMetaObject(name.c_str(), type, nullptr, nullptr, nullptr);
+            LYRSysTSMetaClassExt::AddExtendedComponent(made, "Shape");
             return made;
         }();
         return meta;
     }
     LYRSysTSMetaClass* GetMetaObject() const override { return MetaObject(); }
-};
 
-template <LYRSysTSTypeOfClass type>
-struct PartTie : Tie<IPart, Extension<type>> {
-    const LYRSysTSBaseUnknown* Implementer() const override { return &this->Impl(); }
-    Life life;
+    static IUnknown* MakePart(LYRSysTSBaseUnknown* object) {
+        return MakeTie<Tie<IUnknown, Extension>>(object);
+    }
 };
 
 const LYRSysTSMetaClass* const described[] = {Extension<KeptExtension>::MetaObject(),
@@ -37,10 +36,10 @@ const LYRSysTSFillDictionary registered(
     reinterpret_cast<LYRSysTSInterfaceFactory>(reinterpret_cast<void*>(&Component::Make)));
 
 extern "C" LYR_EXPORT IUnknown* STORM_KEPT(LYRSysTSBaseUnknown* object, unsigned char) {
-    return MakeTie<PartTie<KeptExtension>>(object);
+    return Extension<KeptExtension>::MakePart(object);
 }
 extern "C" LYR_EXPORT IUnknown* STORM_TRANSIENT(LYRSysTSBaseUnknown* object, unsigned char) {
-    return MakeTie<PartTie<TransientExtension>>(object);
+    return Extension<TransientExtension>::MakePart(object);
 }
 extern "C" LYR_EXPORT void* STORM_MAKE(void* argument) {
     return Component::Make(argument);
