@@ -68,3 +68,19 @@ TEST(FactorySearch, ClimbsToTheFirstPlainClassRemembersAllAndSaysThatNoPathIsSet
     Add("Leaf", "MetaObject", "Lib");
     EXPECT_EQ(answers(CLSID_LYRSysTSMetaClass)[1], 0);
 }
+
+TEST(FactoryCache, ForgetsWithTheMetaObject) {
+    UseDictionaryPath("");
+    for (unsigned round = 1; round < 4; ++round) {  // the classes take the addresses of the last
+        LYRSysTSMetaClassImpl* classes[10];
+        for (auto*& each : classes) each = new LYRSysTSMetaClassImpl(&IID_IUnknown, "C", nullptr);
+        for (unsigned k = 0; k < 3 * 1600; ++k) {
+            // Ids that differ in one byte, which a careless comparison leaves out.
+            const GUID id = G(7, 2, 0, {0, 0, static_cast<std::uint8_t>(k % 1600 / 10)});
+            const Factory factory = Creator(10 * (k % 1600) + round);
+            if (k < 1600) classes[k % 10]->_AddInterfaceFactory(id, factory);
+            EXPECT_EQ(classes[k % 10]->QueryDerivationInterfaceFactory(id), factory);
+        }
+        LYRSysTSMetaClassBase::Destruct();
+    }
+}
