@@ -48,18 +48,3 @@ TEST(InterfaceName, IsThatOfTheMetaObjectElseTheRegistered) {
     Dictionary::FindOrCreateMetaObject("IMeta", PlainClass, &a, nullptr, nullptr);
     EXPECT_STREQ(Dictionary::GetInterfaceName(a), "IMeta");
 }
-
-TEST(DeletedDictionary, AnswersNullInSilence) {
-    Dictionary::_DeleteDictionary();
-    EXPECT_NE(Add(a, b, 1, Add("C", "I")), nullptr) << "not closed before the first use";
-    EXPECT_NE(Add(a, c, 1, nullptr), nullptr);
-    Dictionary::_DeleteDictionary();
-    ExpectErrors("", [] {
-        Dictionary::_DeleteDictionary();
-        EXPECT_EQ(Add("C", "I"), nullptr);
-        EXPECT_EQ(Add(a, b, 1, nullptr), nullptr);
-        EXPECT_EQ(Dictionary::AddDictionaryTS(&a, &b, "C", "I", nullptr, Creator(1), 1), nullptr);
-        EXPECT_EQ(Dictionary::QueryDictionary("C", "I", 1), nullptr);
-        EXPECT_EQ(Dictionary::QueryDictionary(a, b, 1), nullptr);
-    });
-}

@@ -3,22 +3,22 @@
 TEST(DictionaryFiles, TheFirstDirectoryThatListsANameSuppliesIt) {
     TempDirectory first, second;
     first.Write("b.dicts", "Both I first\n");
-    const std::string dangling = first.Dangle("z.dicts"), directory = first.path + "/y.dicts";
-    std::filesystem::create_directory(directory);
+    std::filesystem::create_directory(first.path + "/y.dicts");
+    std::filesystem::create_symlink("nowhere", first.path + "/z.dicts");
     second.Write("a.dicts", "Both I second\nTwo I a\n");
     for (const char* name :
          {"b.dicts", "y.dicts", "z.dicts", ".dicts", ".clsidts", "a.clsidt", "a.dicts~"})
         second.Write(name, "Hidden I L\n");
     second.Write("d.dicts", "Two I d\n");
     UseDictionaryPath(":" + first.path + "::/nowhere:" + second.path + ":" + first.path);
-    const std::string errors = "Error : fgets on " + directory +
-                               "\n--> fgets(): Is a directory\nError : fopen on " + dangling +
-                               "\n--> fopen(): No such file or directory\n";
+    const std::string errors = "Error : fgets on " + first.path +
+                               "/y.dicts\n--> fgets(): Is a directory\nError : fopen on " +
+                               first.path + "/z.dicts\n--> fopen(): No such file or directory\n";
     ExpectErrors(errors + kRefused + kRefused, [] { Dictionary::EnsureInitDictionary(); });
     EXPECT_EQ(Dictionary::QueryDictionary("Hidden", "I", 1), nullptr);
     EXPECT_STREQ(Find("Both")->sharedLibrary, "first");
     EXPECT_STREQ(Find("Two")->sharedLibrary, "a");
-    for (int i = 0; i < 2; ++i) EXPECT_EQ(Dictionary::_DicoIsAlreadyRead("x"), 0) << "no scan runs";
+    EXPECT_EQ(Dictionary::_DicoIsAlreadyRead("a.dicts"), 0) << "no scan runs";
 }
 
 TEST(DictionaryFiles, EveryRequestAsksAgainUntilThePathIsSetAndNotBanned) {

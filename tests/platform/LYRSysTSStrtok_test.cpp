@@ -4,16 +4,9 @@
 #include <string>
 
 TEST(LYRSysTSStrtok, YieldsNoEmptyTokenAndNothingFromNothing) {
-    char* save = nullptr;
-    EXPECT_EQ(LYRSysTSStrtok(nullptr, ":", &save), nullptr);
-    const char* const cases[][2] = {
-        {"", ""}, {"::", ""}, {":/a::b c:", "/a|b c|"}, {"a;b", "a|b|"}};
-    for (const auto& [text, expected] : cases) {
-        std::string copy = text, tokens;
-        char* token = LYRSysTSStrtok(copy.data(), ":;", &save);
-        for (; token != nullptr; token = LYRSysTSStrtok(nullptr, ":;", &save)) {
-            tokens += std::string(token) + "|";
-        }
-        EXPECT_EQ(tokens, expected) << text;
-    }
+    char *save = nullptr, text[] = ":/a::b c;";
+    EXPECT_EQ(LYRSysTSStrtok(nullptr, ":;", &save), nullptr);
+    EXPECT_STREQ(LYRSysTSStrtok(text, ":;", &save), "/a");
+    EXPECT_STREQ(LYRSysTSStrtok(nullptr, ":;", &save), "b c");
+    EXPECT_EQ(LYRSysTSStrtok(nullptr, ":;", &save), nullptr);
 }

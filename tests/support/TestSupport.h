@@ -80,11 +80,6 @@ public:
         std::ofstream(path + "/" + name, std::ios::binary) << text;
         return path + "/" + name;
     }
-    /// Makes a file that is listed and cannot be opened, and returns its path.
-    std::string Dangle(const std::string& name) const {
-        std::filesystem::create_symlink("nowhere", path + "/" + name);
-        return path + "/" + name;
-    }
 
     std::string path;
 };
