@@ -41,9 +41,8 @@ TEST(EntriesByName, ARefusalChangesNeitherTheEntryNorTheRecordHandedIn) {
 
 TEST(StaticRegistration, RecordsCreationFunctionsOnly) {
     LYRSysTSFillDictionary("C", "I", Creator(1));
-    LYRSysTSFillDictionary("C", "CreateInterface", nullptr);
-    EXPECT_EQ(Find("C"), nullptr);
-    EXPECT_EQ(Dictionary::QueryDictionary("C", "CreateInterface", 0), nullptr);
+    LYRSysTSFillDictionary("D", "CreateInterface", nullptr);
     LYRSysTSFillDictionary("C", "CreateInterface", Creator(1));
+    EXPECT_FALSE(Find("C") || Dictionary::QueryDictionary("D", "CreateInterface", 0));
     EXPECT_EQ(Dictionary::QueryDictionary("C", "CreateInterface", 0)->creator.load(), Creator(1));
 }

@@ -43,9 +43,16 @@ struct PartsFiles : TempDirectory {
     }
 };
 
-/// An object of any class, which writes its end down. It answers no interface any more by then.
-struct TestObject : Object {
-    TestObject(bool safe, LYRSysTSMetaClass* meta) : Object(safe), metaObject(meta) {}
+/// An object of any class.
+struct PlainObject : Object {
+    PlainObject(bool safe, LYRSysTSMetaClass* meta) : Object(safe), metaObject(meta) {}
+    LYRSysTSMetaClass* GetMetaObject() const override { return metaObject; }
+    LYRSysTSMetaClass* const metaObject;
+};
+
+/// One that writes its end down. It answers no interface any more by then.
+struct TestObject : PlainObject {
+    using PlainObject::PlainObject;
     ~TestObject() override {
         // Not "Kept": the request would take its lock, and so wait for threads that still hold it.
         EXPECT_TRUE(IsAKindOf("Kept") || QueryInterface(IID_IUnknown, &out) == E_UNEXPECTED);
@@ -53,13 +60,9 @@ struct TestObject : Object {
     }
     // Gives other threads a chance between the steps of an operation.
     static std::uint32_t Yield(std::uint32_t count) { return std::this_thread::yield(), count; }
-    std::uint32_t Release() override { return Yield(Object::Release()); }
-    LYRSysTSMetaClass* GetMetaObject() const override { return metaObject; }
-
     static Object* MakeKept() { return new TestObject(true, Class("Kept", KeptExtension)); }
     static inline std::string ends;
     static inline void* out;
-    LYRSysTSMetaClass* metaObject;
 };
 
 /// Tie_Construct in the form of CreateBOA.

@@ -4,15 +4,9 @@ static void Must(bool holds) {
     if (!holds) std::_Exit(3);
 }
 
-struct Plain : Object {
-    explicit Plain(LYRSysTSMetaClass* its) : Object(true), meta(its) {}
-    LYRSysTSMetaClass* GetMetaObject() const override { return meta; }
-    LYRSysTSMetaClass* const meta;
-};
-
 static Object* MakeGadget() {
-    auto* const gadget = new Plain(Impl("Gadget"));
-    const auto make = []() -> Object* { return new Plain(Class("Kept", KeptExtension)); };
+    auto* const gadget = new PlainObject(true, Impl("Gadget"));
+    const auto make = []() -> Object* { return new PlainObject(true, Class("Kept")); };
     MakeTie(gadget, Class("Kept", KeptExtension), make);
     return gadget;
 }
@@ -41,7 +35,7 @@ static void CleanUpAndAnswerNothing(void (*cleanUp)()) {
 }
 
 static void CleanUpAroundAnObject() {
-    Object *gadget = MakeGadget(), *classless = new Plain(nullptr);
+    Object *gadget = MakeGadget(), *classless = new PlainObject(true, nullptr);
     kCleanUps[0]();
     Must(Class("Gadget") != Class("Gadget") && gadget->AddRef() == 2);
     Must(gadget->QueryInterface(Id(2), &TestObject::out) == E_NOINTERFACE);
@@ -51,17 +45,10 @@ static void CleanUpAroundAnObject() {
     Must(classless->Release() == 0 && LYRSysTSDicoString::AddStringInDico("A"));
 }
 
-static void CleanUpTheWrongWayRound() {
-    for (int i = 6; i-- > 0;) kCleanUps[i]();
-}
-
 /// Released after the destructors of all static objects: the process-wide locks are destroyed.
 static Object* late;
 [[gnu::destructor]] static void ReleaseLate() {
     if (late != nullptr) Must(late->Release() == 0), WorkAsEver();
-}
-static void LeaveAnObject() {
-    late = MakeGadget();
 }
 
 static void LeaveAThreadAtWork() {
@@ -75,8 +62,12 @@ static void LeaveAThreadAtWork() {
 TEST(ShutDown, EndsWellInAnyOrder) {
     UseDictionaryPath("");
     Dictionary::_DeleteDictionary();  // closes nothing before the first use
-    for (const auto end :
-         {&CleanUpAroundAnObject, &CleanUpTheWrongWayRound, &LeaveAnObject, &LeaveAThreadAtWork}) {
+    void (*const ends[])() = {CleanUpAroundAnObject, LeaveAThreadAtWork,
+                              [] {
+                                  for (int i = 6; i-- > 0;) kCleanUps[i]();
+                              },
+                              [] { late = MakeGadget(); }};
+    for (void (*const end)() : ends) {
         EXPECT_EXIT((WorkAsEver(), end(), std::exit(0)), testing::ExitedWithCode(0), "^$");
     }
 }

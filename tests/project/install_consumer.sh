@@ -9,7 +9,7 @@ trap 'rm -rf "$work"' EXIT
 cmake --install "$1" --prefix "$work/installed" >/dev/null
 mv "$work/installed" "$work/moved"
 prefix=$work/moved
-expected=$'from the application\nfrom libPointView'
+expected='from libPointView'
 
 run() {
     local output
