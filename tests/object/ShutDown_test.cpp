@@ -45,6 +45,10 @@ static void CleanUpAroundAnObject() {
     Must(classless->Release() == 0 && LYRSysTSDicoString::AddStringInDico("A"));
 }
 
+static void CleanUpTheWrongWayRound() {
+    for (int i = 6; i-- > 0;) kCleanUps[i]();
+}
+
 /// Released after the destructors of all static objects: the process-wide locks are destroyed.
 static Object* late;
 [[gnu::destructor]] static void ReleaseLate() {
@@ -62,10 +66,7 @@ static void LeaveAThreadAtWork() {
 TEST(ShutDown, EndsWellInAnyOrder) {
     UseDictionaryPath("");
     Dictionary::_DeleteDictionary();  // closes nothing before the first use
-    void (*const ends[])() = {CleanUpAroundAnObject, LeaveAThreadAtWork,
-                              [] {
-                                  for (int i = 6; i-- > 0;) kCleanUps[i]();
-                              },
+    void (*const ends[])() = {CleanUpAroundAnObject, CleanUpTheWrongWayRound, LeaveAThreadAtWork,
                               [] { late = MakeGadget(); }};
     for (void (*const end)() : ends) {
         EXPECT_EXIT((WorkAsEver(), end(), std::exit(0)), testing::ExitedWithCode(0), "^$");

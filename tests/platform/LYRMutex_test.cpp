@@ -52,23 +52,6 @@ TEST(LYRMutex, WithoutLockOrDestroyedAtExitItKeepsNobodyOut) {
     }
 }
 
-TEST(LYRMutex, RacingThreadsExcludeEachOtherAndTheLastMayFreeItAtOnce) {
-    int freed = 0;
-    for (int round = 0; round < 400; ++round) {
-        int turns = 3 * 100;
-        const auto takeTurns = [mutex = new LYRSmartMutex(0), &turns, &freed] {
-            for (int i = 0; i < 100; ++i) {
-                Lock(*mutex, 2);
-                const int left = --turns;
-                Unlock(*mutex, 2);
-                if (left == 0) delete mutex, ++freed;
-            }
-        };
-        const std::jthread a(takeTurns), b(takeTurns), c(takeTurns);
-    }
-    EXPECT_EQ(freed, 400);
-}
-
 TEST(LYRMutex, AThreadIsNotCancelledWhileItWaits) {
     LYRSmartMutex mutex(0);
     bool gotIn = false;

@@ -36,7 +36,7 @@ inline void ExpectEntriesAgree() {
     });
 }
 
-/// What the dictionary, the registries and the list of meta-objects hold.
+/// The entries of the dictionary, how much the registries hold, and the meta-objects.
 inline std::string Contents() {
     std::string all;
     const auto add = [&](int, const DicEntryLink& link) {
@@ -48,18 +48,17 @@ inline std::string Contents() {
         }
         all += r.creator.load() ? " creator\n" : "\n";
     };
-    const auto count = [&](std::size_t links) { all += std::to_string(links) + '\n'; };
-    const auto ignore = [](int, const auto&) {};
-    count(Walk<DicEntryLink>(kEntriesByName, add));
-    count(Walk<DicEntryLink>(kEntriesById, add));
-    count(Walk<IIDNameLink>(kInterfacesById, ignore, 1024));
-    count(Walk<IIDNameLink>(kInterfacesByName, ignore, 1024));
-    count(Walk<CLSIDNameLink>(kClassesById, ignore, 1024));
+    Walk<DicEntryLink>(kEntriesByName, add);
+    Walk<DicEntryLink>(kEntriesById, add);
+    const auto count = [](int, const auto&) {};
+    all += std::to_string(Walk<IIDNameLink>(kInterfacesById, count, 1024) +
+                          Walk<IIDNameLink>(kInterfacesByName, count, 1024) +
+                          Walk<CLSIDNameLink>(kClassesById, count, 1024));
     struct Metas : LYRSysTSMetaClassBase {
         static auto* After(LYRSysTSMetaClassBase* meta) { return meta->*(&Metas::_nextMeta); }
     };
     for (auto* meta = sHeadMeta; meta != nullptr; meta = Metas::After(meta)) {
-        all += TextOf(meta->IsA()) + '\n';
+        all += "\n" + TextOf(meta->IsA());
     }
     return all;
 }
