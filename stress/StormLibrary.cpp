@@ -4,6 +4,7 @@
 #include "LYRComponentModel.h"
 
 #include <string>
+#include <thread>
 
 struct Component : LYRSysTSBaseUnknown {
     Component() : LYRSysTSBaseUnknown(1) {}
@@ -17,6 +18,7 @@ struct Extension : Component {
             const std::string name = "Part" + std::to_string(type) + "Of" STORM_NUMBER;
             auto* made =
                 LYRSysTSFindOrCreateMetaObject(name.c_str(), type, nullptr, nullptr, nullptr);
+            std::this_thread::yield();  // requests that come in between must wait
             LYRSysTSMetaClassExt::AddExtendedComponent(made, "Shape");
             return made;
         }();

@@ -191,6 +191,9 @@ static void Share(Random& random) {
     if (tie == nullptr) return;
     auto shape = Query<Shape>(tie.get(), IID_IUnknown);
     auto* const own = Class("Own", KeptExtension);
+    const std::string name = Named("Class", static_cast<unsigned>(random() % kClasses));
+    LYRSysTSMetaClassExt::AddExtendedComponent(own, name.c_str());
+    MUST(dynamic_cast<LYRSysTSMetaClassExt*>(own)->IsExtensionOf(Class(name, ImplementationClass)));
     MUST(Same(shape->own, LYRSysTSBOAInternal::CreateBOA(shape.get(), own, &Own::Make)));
     const auto part = Ask(*shape, random);
     if (random() % 2 == 0) tie = nullptr;
