@@ -39,6 +39,7 @@ static const GUID kId = Id(1), kIid = Id(8);
 static void* out;
 static Object* object;
 static LYRSysTSMetaClassImpl* meta;
+static Record* record;
 static std::string directory;
 
 static std::string Read(const char* name) {
@@ -49,12 +50,16 @@ static std::string Read(const char* name) {
 static void Nothing() {}
 /// The classes and an object to ask, and the files read.
 static void Gadget() {
-    Class("Kept", KeptExtension);
+    Class("Kept", KeptExtension), Class("Passing", TransientExtension);
+    Class("ILeaf", PlainClass, Class("I2", PlainClass, nullptr, 2));
     object = new TestObject(true, meta = Impl("Gadget"));
     Dictionary::EnsureInitDictionary();
 }
 static Object* Kept() {
     return new (std::nothrow) TestObject(true, Class("Kept"));
+}
+static Object* Passing() {
+    return new (std::nothrow) TestObject(true, Class("Passing"));
 }
 static bool Extends() {
     auto* made = dynamic_cast<LYRSysTSMetaClassExt*>(Dictionary::QueryMetaObject(kName));
@@ -63,13 +68,20 @@ static bool Extends() {
 static const void* Search(int interface) {
     return reinterpret_cast<void*>(meta->QueryDerivationInterfaceFactory(Id(interface)));
 }
-static bool FoundTheExtensions() {
-    return result &&
-           result == Loader::GetFunctionAddress("LyrTestParts", "LYRSysTSCreateI0GadgetExt");
+static bool Found(const char* entryPoint) {
+    return result && result == Loader::GetFunctionAddress("LyrTestParts", entryPoint);
 }
 
 using Answer = const void*;
+static Answer Put(LYRSysTSDictionaryReader&& reader, int count) {
+    char id[] = "{A0000008-0000-0000-0000-000000000000}", name[] = "AVeryLongName";
+    char* words[] = {id, name, name};
+    return reader.PutInfo(words, count, "file", 1) == S_OK ? kName : nullptr;
+}
+
 static const Row kRows[] = {
+    {"String", kPlain, []() -> Answer { return LYRSysTSDicoString::AddStringInDico(kName); }},
+    {"Id", kPlain, []() -> Answer { return LYRSysTSDicoGUID::AddGUIDInDico(&kIid); }},
     {"MadeUpId", kPlain, []() -> Answer { return Dictionary::_CreateCLSID(); }},
     {"InterfaceName", kPlain,
      []() -> Answer { return LYRSysTSDicoIIDName::AddDicoIIDName(kIid, kName) ? kName : nullptr; }},
@@ -77,12 +89,31 @@ static const Row kRows[] = {
      []() -> Answer { return LYRSysTSDicoCLSIDName::AddDicoCLSIDName(kIid, kName, "L"); }},
     {"MoreByName", kSays, []() -> Answer { return Add(kName, "I", "L", "F", "E"); },
      [] { Add(kName, "I"); }},
+    {"OwnRecord", kSays,
+     []() -> Answer { return Add(kName, "I", "L", "F", "E", Creator(1), record); },
+     [] { record = new Record; }},
+    {"ById", kSays,
+     []() -> Answer { return Dictionary::AddDictionaryTS(kId, kIid, Creator(1), nullptr); }},
+    {"InterfaceLine", kSays, [] { return Put(LYRSysTSIidReader(), 2); }},
+    {"ClassLine", kSays, [] { return Put(LYRSysTSClsidReader(), 3); }},
+    {"CreationFunction", kSays,
+     []() -> Answer {
+         return LYRSysTSFillDictionary(kName, "CreateInterface", Creator(1)), nullptr;
+     },
+     Nothing, [] { return Dictionary::QueryDictionary(kName, "CreateInterface", 0) != nullptr; }},
     {"ByBoth", kSays,
      []() -> Answer {
          return Dictionary::AddDictionaryTS(&kId, &kIid, kName, "I", "L", Creator(1), 0);
      }},
     {"QueryThatScans", kPartly,
      []() -> Answer { return Dictionary::QueryDictionary("Thing", "CreateInterface", 1); }},
+    {"Constructor", kThrows,
+     []() -> Answer { return new LYRSysTSMetaClassExt(&kId, kName, nullptr, KeptExtension); }},
+    {"ExtensionOf", kPlain,
+     []() -> Answer {
+         return LYRSysTSMetaClassExt::AddExtendedComponent(Class(kName), "Other"), nullptr;
+     },
+     [] { Class(kName, KeptExtension); }, Extends},
     {"Extension", kThrows | kPartly,
      []() -> Answer {
          return Dictionary::FindOrCreateMetaObject(kName, KeptExtension, &kId, nullptr, "Other");
@@ -91,18 +122,44 @@ static const Row kRows[] = {
     {"RememberFactory", kPlain,
      []() -> Answer { return meta->_AddInterfaceFactory(kIid, Creator(1)), nullptr; }, Gadget,
      [] { return meta->_GetInterfaceFactory(kIid) == Creator(1); }},
-    {"SearchExtension", kPartly | kLoose, [] { return Search(0); }, Gadget, FoundTheExtensions},
+    {"SearchExtension", kPartly | kLoose, [] { return Search(0); }, Gadget,
+     [] { return Found("LYRSysTSCreateI0GadgetExt"); }},
+    {"SearchLeaf", kPartly | kLoose, [] { return Search(2); }, Gadget,
+     [] { return Found("LYRSysTSCreateILeafGadget"); }},
     // Of a library that is missing, so that the loader's words name no path: with 100 characters of
     // them, glibc writes beyond its memory when an allocation fails.
     {"SearchNothing", kPartly | kLoose, [] { return Search(7); }, Gadget,
      [] { return meta->_GetInterfaceFactory(Id(7)) == &_LYRSysTSNoSuchInterface; }},
+    {"QueryInterface", kPartly | kLoose,
+     []() -> Answer { return object->QueryInterface(kIid, &out) == S_OK ? out : nullptr; },
+     [] {
+         Gadget();
+         const auto create = [](Object* asked, unsigned char) -> IUnknown* { return asked; };
+         Dictionary::AddDictionaryTS(*meta->GetClassId(), kIid, create, Add("Gadget", "I8", "L"));
+     }},
     {"FirstMetaObject", kThrows, []() -> Answer { return object->IsA(); },
      [] { object = new Object(1); }},
     {"KeptExtension", kPlain, []() -> Answer { return MakeTie(object, Class("Kept"), Kept); },
      Gadget, [] { return MakeTie(object, Class("Kept"), nullptr) != nullptr; }},
+    {"PassingExtension", kPlain,
+     []() -> Answer {
+         Object* made = LYRSysTSBOAInternal::CreateBOA(object, Class("Passing"), Passing);
+         if (made != nullptr) object->AddRef(), made->Release();
+         return made;
+     },
+     Gadget},
+    {"LoadLibrary", kPlain, []() -> Answer { return Loader::LoadLibrary("LyrTestParts"); }},
+    {"FunctionAddress", kPlain,
+     []() -> Answer {
+         return Loader::GetFunctionAddress("LyrTestParts", "LYRSysTSCreateI1Gadget");
+     }},
     {"LastFailure", kPlain,
      []() -> Answer { return Loader::LastFailure().empty() ? nullptr : kName; },
      [] { Loader::LoadLibrary("LyrNoSuchLibraryUnderThisName"); }},
+    {"CreateInstance", kPartly,
+     []() -> Answer {
+         return LYRSysTSCreateInstance(kId, GUID{}, &out) == S_OK ? kName : nullptr;
+     }},
     {"CreateExternalObject", kPlain,
      []() -> Answer { return LYRSysTSCreateExternalObject("Thing", nullptr, &out); }, Gadget},
 };
