@@ -14,6 +14,7 @@ static Object* MakeGadget() {
 static void WorkAsEver() {
     Must(Add("A", "I", "Lib") == Find("A") && Impl("Gadget") == Class("Gadget"));
     Must(LYRSysTSDicoString::AddStringInDico("A") == Find("A")->className);
+    Must(Dictionary::AddDictionaryTS(Id(1), Id(1), Creator(1), nullptr) == Find(Id(1), Id(1)));
     Object* const gadget = MakeGadget();
     Must(gadget->QueryInterface(Id(3), &TestObject::out) == E_NOINTERFACE);
     Must(gadget->AddRef() == 2 && gadget->Release() == 1 && gadget->Release() == 0);
