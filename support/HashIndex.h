@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
+#include <memory>
 #include <new>
 
 namespace lyr {
@@ -89,11 +90,11 @@ private:
         constexpr std::size_t slotSize = sizeof(Node*) + sizeof(Place) + sizeof(Tag);
         void* const memory = std::malloc(sizeof(Slots) + size * slotSize);
         if (memory == nullptr) return nullptr;
-        auto* const slots = new (memory) Slots{size - 1, smaller, nullptr, nullptr, nullptr};
-        slots->nodes = new (slots + 1) Node*[size];
-        slots->places = new (slots->nodes + size) Place[size];
-        slots->tags = new (slots->places + size) std::atomic<Tag>[size];
-        return slots;
+        auto* const nodes = reinterpret_cast<Node**>(static_cast<Slots*>(memory) + 1);
+        auto* const places = reinterpret_cast<Place*>(nodes + size);
+        auto* const tags = reinterpret_cast<std::atomic<Tag>*>(places + size);
+        std::uninitialized_value_construct_n(tags, size);
+        return new (memory) Slots{size - 1, smaller, nodes, places, tags};
     }
 
     static void Put(Slots& slots, Tag tag, Place place, Node* node) {
