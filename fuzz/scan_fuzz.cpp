@@ -35,7 +35,7 @@ struct Disk {
         if (end < part.size()) {
             const std::string text = part.substr(end + 1);
             if (std::ofstream(path, std::ios::binary) << text) files[name] = text;
-        } else if (::symlink(part[0] == '0' ? "no/where" : "/", path.c_str()) == 0) {
+        } else if (::symlink(part[0] == '0' ? "/no/where" : "/", path.c_str()) == 0) {
             files[name] = std::nullopt;
         }
     }
@@ -131,5 +131,8 @@ extern "C" int LLVMFuzzerTestOneInput(const char* data, std::size_t size) {
     if (messages != expected) std::cerr << messages << "-- and not\n" << expected;
     Require(messages == expected && Collect() == facts);
     StartAnew();
+    const int file = ::dup(0);
+    static const int firstFile = file;
+    Require(::close(file) == 0 && file == firstFile);  // none is left open
     return 0;
 }
