@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
@@ -30,20 +31,23 @@ public:
     Node* Find(std::size_t hash, Matches matches) const {
         const Slots* const slots = _slots.load(std::memory_order_acquire);
         if (slots == nullptr) return nullptr;
-        const Tag wanted = TagOf(hash);
-        for (std::size_t i = static_cast<Place>(hash) & slots->mask;; i = (i + 1) & slots->mask) {
-            const Tag tag = slots->tags[i].load(std::memory_order_acquire);
-            if (tag == kFree) return nullptr;
-            if (tag == wanted && matches(*slots->nodes[i])) return slots->nodes[i];
+        const Tags wanted = TagOf(hash) * kEachByte;
+        for (std::size_t g = static_cast<Place>(hash) & slots->mask;; g = (g + 1) & slots->mask) {
+            const Tags tags = slots->tags[g].load(std::memory_order_acquire);
+            for (Tags same = ZeroBytes(tags ^ wanted); same != 0; same &= same - 1) {
+                Node* const node = slots->nodes[g * kGroup + FirstByte(same)];
+                if (matches(*node)) return node;
+            }
+            if (ZeroBytes(tags) != 0) return nullptr;
         }
     }
 
     /// Makes sure that one more Add has room; false when memory is out.
     bool Reserve() {
         Slots* const slots = _slots.load(std::memory_order_relaxed);
-        if (slots == nullptr) return Grow(nullptr, kFirstSize);
-        const std::size_t size = slots->mask + 1;
-        return (_count + 1) * 3 <= size * 2 || Grow(slots, size * 2);
+        if (slots == nullptr) return Grow(nullptr, kFirstGroups);
+        const std::size_t groups = slots->mask + 1;
+        return (_count + 1) * 3 <= groups * kGroup * 2 || Grow(slots, groups * 2);
     }
 
     /// Adds a node, after Reserve.
@@ -63,16 +67,27 @@ public:
     }
 
 private:
-    static constexpr std::size_t kFirstSize = 64;
-
-    /// One end of the hash says where the search for its node begins. The other one keeps the
-    /// search from looking at other nodes on its way, so that an unknown key costs a few bytes.
+    /// One end of the hash says in which group of slots the search for its node begins; it ends at
+    /// the first group with a free slot. The other end, the tag, keeps the search from looking at
+    /// other nodes. The tags of a group are the bytes of one word, 0 for a free slot, so that an
+    /// unknown key mostly costs the reading of that word.
     using Place = std::uint32_t;
-    using Tag = std::uint8_t;
-    static constexpr Tag kFree = 0;
+    using Tags = std::uint64_t;
+    static constexpr std::size_t kGroup = sizeof(Tags);
+    static constexpr std::size_t kFirstGroups = 8;
+    static constexpr Tags kEachByte = 0x0101'0101'0101'0101;
 
-    static Tag TagOf(std::size_t hash) {
-        return static_cast<Tag>(std::max<std::size_t>(hash >> 56, kFree + 1));
+    static Tags TagOf(std::size_t hash) { return std::max<Tags>(hash >> 56, 1); }
+
+    /// The highest bit of each byte that is zero.
+    static Tags ZeroBytes(Tags tags) {
+        constexpr Tags kLowBits = 0x7F * kEachByte;
+        return ~(((tags & kLowBits) + kLowBits) | tags | kLowBits);
+    }
+
+    /// The number of the first byte that has a bit.
+    static std::size_t FirstByte(Tags bits) {
+        return static_cast<std::size_t>(std::countr_zero(bits)) / 8;
     }
 
     /// One block of memory. The places are for the next growth alone. A slot's tag is set after its
@@ -81,37 +96,46 @@ private:
     struct Slots {
         std::size_t mask;
         Slots* smaller;
+        std::atomic<Tags>* tags;
         Node** nodes;
         Place* places;
-        std::atomic<Tag>* tags;
     };
 
-    static Slots* MakeSlots(std::size_t size, Slots* smaller) {
-        constexpr std::size_t slotSize = sizeof(Node*) + sizeof(Place) + sizeof(Tag);
-        void* const memory = std::malloc(sizeof(Slots) + size * slotSize);
+    static Slots* MakeSlots(std::size_t groups, Slots* smaller) {
+        constexpr std::size_t slotSize = 1 + sizeof(Node*) + sizeof(Place);
+        void* const memory = std::malloc(sizeof(Slots) + groups * kGroup * slotSize);
         if (memory == nullptr) return nullptr;
-        auto* const nodes = reinterpret_cast<Node**>(static_cast<Slots*>(memory) + 1);
-        auto* const places = reinterpret_cast<Place*>(nodes + size);
-        auto* const tags = reinterpret_cast<std::atomic<Tag>*>(places + size);
-        std::uninitialized_value_construct_n(tags, size);
-        return new (memory) Slots{size - 1, smaller, nodes, places, tags};
+        auto* const tags = reinterpret_cast<std::atomic<Tags>*>(static_cast<Slots*>(memory) + 1);
+        auto* const nodes = reinterpret_cast<Node**>(tags + groups);
+        auto* const places = reinterpret_cast<Place*>(nodes + groups * kGroup);
+        std::uninitialized_value_construct_n(tags, groups);
+        return new (memory) Slots{groups - 1, smaller, tags, nodes, places};
     }
 
-    static void Put(Slots& slots, Tag tag, Place place, Node* node) {
-        std::size_t i = place & slots.mask;
-        while (slots.tags[i].load(std::memory_order_relaxed) != kFree) i = (i + 1) & slots.mask;
-        slots.nodes[i] = node;
-        slots.places[i] = place;
-        slots.tags[i].store(tag, std::memory_order_release);
+    static void Put(Slots& slots, Tags tag, Place place, Node* node) {
+        std::size_t g = place & slots.mask;
+        Tags tags = slots.tags[g].load(std::memory_order_relaxed);
+        while (ZeroBytes(tags) == 0) {
+            g = (g + 1) & slots.mask;
+            tags = slots.tags[g].load(std::memory_order_relaxed);
+        }
+        const std::size_t free = FirstByte(ZeroBytes(tags));
+        slots.nodes[g * kGroup + free] = node;
+        slots.places[g * kGroup + free] = place;
+        slots.tags[g].store(tags | tag << 8 * free, std::memory_order_release);
     }
 
-    bool Grow(Slots* old, std::size_t size) {
+    bool Grow(Slots* old, std::size_t groups) {
         constexpr bool keepsOld = readers == Readers::kAny;
-        Slots* const grown = MakeSlots(size, keepsOld ? old : nullptr);
+        Slots* const grown = MakeSlots(groups, keepsOld ? old : nullptr);
         if (grown == nullptr) return false;
-        for (std::size_t i = 0; old != nullptr && i <= old->mask; ++i) {
-            const Tag tag = old->tags[i].load(std::memory_order_relaxed);
-            if (tag != kFree) Put(*grown, tag, old->places[i], old->nodes[i]);
+        for (std::size_t g = 0; old != nullptr && g <= old->mask; ++g) {
+            // The used slots of a group are its first ones.
+            std::size_t i = g * kGroup;
+            for (Tags tags = old->tags[g].load(std::memory_order_relaxed); tags != 0; tags >>= 8) {
+                Put(*grown, tags & 0xFF, old->places[i], old->nodes[i]);
+                ++i;
+            }
         }
         _slots.store(grown, std::memory_order_release);
         if (!keepsOld) std::free(old);
