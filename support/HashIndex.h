@@ -33,6 +33,7 @@ public:
         if (slots == nullptr) return nullptr;
         const Tags wanted = TagOf(hash) * kEachByte;
         for (std::size_t g = static_cast<Place>(hash) & slots->mask;; g = (g + 1) & slots->mask) {
+            __builtin_prefetch(slots->nodes + g * kGroup);  // arrives while the tags do
             const Tags tags = slots->tags[g].load(std::memory_order_acquire);
             for (Tags same = ZeroBytes(tags ^ wanted); same != 0; same &= same - 1) {
                 Node* const node = slots->nodes[g * kGroup + FirstByte(same)];
