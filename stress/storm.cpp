@@ -8,7 +8,7 @@
 #include "../examples/support/Ref.h"
 #include "../support/MutexGuard.h"
 #include "../tests/metaclass/TestClasses.h"
-#include "Tables.h"
+#include "TableWalk.h"
 
 #include <latch>
 #include <malloc.h>
@@ -233,6 +233,9 @@ static void Storm(unsigned seed, unsigned scenes) {
         tie = nullptr;
     }
     MUST(counter->AddRef() == 2 && counter->Release() == 1);
+    ExpectStoresAgree();
+    ExpectEntriesAgree();
+    MUST(!testing::UnitTest::GetInstance()->Failed());
 }
 
 /// Closes the dictionary beside a thread that goes on with it.
