@@ -34,7 +34,8 @@ protected:
     static constexpr std::uint64_t kNoLock = 0;
     static constexpr std::uint64_t kUnlocked = 2;
 
-    /// kNoLock, kUnlocked, or the thread that holds the lock and its nested holds.
+    /// kNoLock, kUnlocked, or the thread that holds the lock and its nested holds; of one that was
+    /// destroyed while it was held, these without the bit of kUnlocked.
     std::atomic<std::uint64_t> _state;
 
 private:

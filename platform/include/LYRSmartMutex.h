@@ -10,7 +10,9 @@ public:
     explicit LYRSmartMutex(int withoutLock) noexcept;
 
     /// Whether there is a lock in it. The answer never changes while the mutex lives.
-    bool HoldsLock() const noexcept { return _state.load(std::memory_order_relaxed) != kNoLock; }
+    bool HoldsLock() const noexcept {
+        return (_state.load(std::memory_order_relaxed) & kUnlocked) != 0;
+    }
 };
 
 static_assert(sizeof(LYRSmartMutex) == sizeof(void*), "a mutex is one pointer wide");
