@@ -12,6 +12,7 @@ extern "C" int LLVMFuzzerTestOneInput(const char* data, std::size_t size) {
     std::getline(std::getline(std::getline(input, delimiters[0]), delimiters[1]), text, '\0');
     std::vector<char> ours(text.c_str(), text.c_str() + text.size() + 1), theirs = ours;
     char *ourSave = nullptr, *theirSave = nullptr;
+    Require(LYRSysTSStrtok(nullptr, "", &ourSave) == nullptr);  // nothing from nothing
     // Goes on after the last token: the end must stay the end.
     for (std::size_t call = 0, misses = 0; misses < 3; ++call) {
         const char* const cut = delimiters[call % 2].c_str();
