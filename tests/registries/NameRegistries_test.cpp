@@ -1,4 +1,4 @@
-// What dictionary files can say of ids and names is the matter of fuzz/; this is what only code can.
+// What files can say of ids and names is tested in fuzz/; here is what only code can say.
 #include "TestSupport.h"
 
 using Classes = LYRSysTSDicoCLSIDName;
