@@ -27,15 +27,16 @@ public:
     ~LYRSysTSMetaClassImpl() override;
 
     /// Looks in the table, then in the dictionary and the library that it names, then asks the
-    /// base class, and remembers the answer. A search that runs out of memory answers null and is
-    /// not remembered.
+    /// base class, and remembers the answer. Of several searches at the same time the first answer
+    /// is that of all. A search that runs out of memory answers null and is not remembered.
     LYRSysTSInterfaceFactory QueryDerivationInterfaceFactory(const GUID& iid) override;
 
     /// What the table remembers for `iid`, _LYRSysTSNoSuchInterface included; null for nothing.
     LYRSysTSInterfaceFactory _GetInterfaceFactory(const GUID& iid);
 
     /// Remembers `factory` for `iid`. Always 1. Nothing is remembered for a null factory, in a
-    /// class without an id, in a table of 65,532 entries, and when memory is out.
+    /// class without an id, in a table of 65,532 entries, and when memory is out. Of several for
+    /// one id any may be the answer.
     int _AddInterfaceFactory(const GUID& iid, LYRSysTSInterfaceFactory factory);
 
     /// Searches the dictionary alone, by ids and then by names, loading the library of an
@@ -46,6 +47,15 @@ public:
 private:
     LYR_LOCAL LYRSysTSInterfaceFactory _Find(const GUID& iid) const LYR_REQUIRES(_mutex);
     LYR_LOCAL bool _HasRoom() LYR_REQUIRES(_mutex);
+    LYR_LOCAL void _Append(const GUID& iid, LYRSysTSInterfaceFactory factory) LYR_REQUIRES(_mutex);
+
+    /// The answer of a search, or the absence mark; null when memory is out.
+    LYR_LOCAL LYRSysTSInterfaceFactory _Search(const GUID& iid);
+
+    /// Remembers what a search has found, unless another one, which may have seen less or more of
+    /// the dictionary, was faster: then that one's is the answer.
+    LYR_LOCAL LYRSysTSInterfaceFactory _RememberFirst(const GUID& iid,
+                                                      LYRSysTSInterfaceFactory answer);
 
     FactoryEntry* _factoryTable LYR_GUARDED_BY(_mutex);
     std::uint16_t _factoryCount LYR_GUARDED_BY(_mutex);

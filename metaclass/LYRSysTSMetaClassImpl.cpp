@@ -50,14 +50,26 @@ LYRSysTSInterfaceFactory LYRSysTSMetaClassImpl::_Find(const GUID& iid) const {
 int LYRSysTSMetaClassImpl::_AddInterfaceFactory(const GUID& iid, LYRSysTSInterfaceFactory factory) {
     if (factory == nullptr || _classId == nullptr) return 1;
     const lyr::MutexGuard guard(_mutex);
-    if (!_HasRoom()) return 1;
-    const GUID* const interned = LYRSysTSDicoGUID::AddGUIDInDico(&iid);
-    if (interned == nullptr) return 1;
+    _Append(iid, factory);
+    return 1;
+}
 
+LYRSysTSInterfaceFactory LYRSysTSMetaClassImpl::_RememberFirst(const GUID& iid,
+                                                               LYRSysTSInterfaceFactory answer) {
+    if (_classId == nullptr) return answer;
+    const lyr::MutexGuard guard(_mutex);
+    if (const LYRSysTSInterfaceFactory known = _Find(iid)) return known;
+    _Append(iid, answer);
+    return answer;
+}
+
+void LYRSysTSMetaClassImpl::_Append(const GUID& iid, LYRSysTSInterfaceFactory factory) {
+    if (!_HasRoom()) return;
+    const GUID* const interned = LYRSysTSDicoGUID::AddGUIDInDico(&iid);
+    if (interned == nullptr) return;
     _factoryTable[_factoryCount] = {interned, factory};
     ++_factoryCount;
     std::qsort(_factoryTable, _factoryCount, sizeof(FactoryEntry), LYRSysTSCompare);
-    return 1;
 }
 
 bool LYRSysTSMetaClassImpl::_HasRoom() {
@@ -76,23 +88,22 @@ bool LYRSysTSMetaClassImpl::_HasRoom() {
 }
 
 LYRSysTSInterfaceFactory LYRSysTSMetaClassImpl::QueryDerivationInterfaceFactory(const GUID& iid) {
-    LYRSysTSInterfaceFactory known = lyr::FactoryCache::Find(this, iid);
-    if (known == nullptr) {
-        known = _GetInterfaceFactory(iid);
-        if (known != nullptr) lyr::FactoryCache::Keep(this, iid, known);
+    LYRSysTSInterfaceFactory answer = lyr::FactoryCache::Find(this, iid);
+    if (answer == nullptr) {
+        answer = _GetInterfaceFactory(iid);
+        if (answer != nullptr) lyr::FactoryCache::Keep(this, iid, answer);
     }
-    if (known == _LYRSysTSNoSuchInterface) return nullptr;
-    if (known != nullptr) return known;
+    if (answer == nullptr) answer = _Search(iid);
+    return answer != _LYRSysTSNoSuchInterface ? answer : nullptr;
+}
 
+LYRSysTSInterfaceFactory LYRSysTSMetaClassImpl::_Search(const GUID& iid) {
     const unsigned shortages = lyr::memoryShortages;
     LYRSysTSInterfaceFactory found = _QueryFromDictionary(iid);
     if (found == nullptr && _baseMeta != nullptr) {
         found = _baseMeta->QueryDerivationInterfaceFactory(iid);
     }
-    if (found != nullptr) {
-        _AddInterfaceFactory(iid, found);
-    } else if (lyr::memoryShortages == shortages) {
-        _AddInterfaceFactory(iid, _LYRSysTSNoSuchInterface);
-    }
-    return found;
+    if (found != nullptr) return _RememberFirst(iid, found);
+    if (lyr::memoryShortages != shortages) return nullptr;
+    return _RememberFirst(iid, _LYRSysTSNoSuchInterface);
 }

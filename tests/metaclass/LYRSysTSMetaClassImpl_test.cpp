@@ -69,6 +69,27 @@ TEST(FactorySearch, ClimbsToTheFirstPlainClassRemembersAllAndSaysThatNoPathIsSet
     EXPECT_EQ(answers(CLSID_LYRSysTSMetaClass)[1], 0);
 }
 
+/// A base class that is slow: meanwhile the class learns of an interface, and is asked for it.
+struct SlowBase : LYRSysTSMetaClassBase {
+    using LYRSysTSMetaClassBase::LYRSysTSMetaClassBase;
+    Factory QueryDerivationInterfaceFactory(const GUID& iid) override {
+        Dictionary::AddDictionaryTS(*derived->GetClassId(), iid, Creator(1),
+                                    Add("Gadget", "I", "Lib"));
+        EXPECT_EQ(derived->QueryDerivationInterfaceFactory(iid), Creator(1));
+        return nullptr;
+    }
+    LYRSysTSMetaClassImpl* derived = nullptr;
+};
+
+TEST(FactorySearch, ThatEndsLastAnswersWhatOthersHaveFound) {
+    UseDictionaryPath("");
+    auto* const base = new SlowBase(nullptr, "SlowBase", nullptr);
+    base->derived = Impl("Gadget", base);
+    EXPECT_EQ(base->derived->QueryDerivationInterfaceFactory(Id(1)), Creator(1));
+    for (int i = 2; i < 9; ++i) base->derived->_AddInterfaceFactory(Id(i), Creator(2));
+    EXPECT_EQ(base->derived->_GetInterfaceFactory(Id(1)), Creator(1));
+}
+
 TEST(FactoryCache, ForgetsWithTheMetaObject) {
     UseDictionaryPath("");
     for (unsigned round = 1; round < 4; ++round) {  // the classes take the addresses of the last
