@@ -56,9 +56,10 @@ bool Extends(const Implementer& implementer, const LYRSysTSMetaClass& extended) 
     LYRSysTSMetaClassExt* const extension = metaObject->CastToMetaExtension();
     if (extension == nullptr) return false;
     if (extension->IsExtensionOf(&extended)) return true;
-    // Its library may be loading in another thread, with this class still to be named.
-    return LYRThrLibraryManager::IsLoaded(implementer.library) &&
-           extension->IsExtensionOf(&extended);
+    // The library that makes it may be loading in another thread, with this class still to be
+    // named.
+    LYRThrLibraryManager::AwaitLoads();
+    return extension->IsExtensionOf(&extended);
 }
 
 LYRSysTSInterfaceFactory FindEntryPoint(const Implementer& implementer, const char* interfaceName,

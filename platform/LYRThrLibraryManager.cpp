@@ -151,14 +151,9 @@ void* LYRThrLibraryManager::LoadLibrary(const char* name) {
     return Fail(failure.Text(), failure.ForMemory());
 }
 
-bool LYRThrLibraryManager::IsLoaded(const char* name) {
-    if (name == nullptr || *name == '\0') return false;
-    Candidates candidates(name);
-    while (const char* const file = candidates.Next()) {
-        if (::dlopen(file, RTLD_NOW | RTLD_LOCAL | RTLD_NOLOAD) != nullptr) return true;
-    }
-    ::dlerror();
-    return false;
+void LYRThrLibraryManager::AwaitLoads() {
+    // The loader makes one load at a time, initialisers included. This asks for the program itself.
+    ::dlopen(nullptr, RTLD_NOW | RTLD_LOCAL | RTLD_NOLOAD);
 }
 
 void* LYRThrLibraryManager::GetFunctionAddress(const char* library, const char* symbol) {

@@ -23,9 +23,9 @@ public:
     /// memory.
     static void* LoadLibrary(const char* name);
 
-    /// Whether the library is loaded. Waits while another thread loads it, until its initialisers
-    /// have run; loads nothing, and a "no" is no failure to tell of.
-    static bool IsLoaded(const char* name);
+    /// Waits while another thread loads a library, until its initialisers have run. In an
+    /// initialiser it does not wait for the library itself.
+    static void AwaitLoads();
 
     /// The address of the function `symbol` in the library, which is loaded first if need be. Null
     /// when the library does not load, when `symbol` is null, or when the library itself does not
