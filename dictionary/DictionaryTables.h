@@ -1,8 +1,10 @@
 #pragma once
 
 #include "LYRSysTSDictionary.h"
+#include "support/AddressCast.h"
 #include "support/Chain.h"
 #include "support/HashIndex.h"
+#include "support/MutexGuard.h"
 #include "support/NodePool.h"
 
 #include <cstddef>
@@ -46,11 +48,36 @@ struct DictionaryTables {
     static std::size_t Hash(const char* className, const char* interfaceName);
     static std::size_t Hash(const GUID& clsid, const GUID& iid);
 
+    /// What `read` makes of the record registered under the pair, or of null, while the lock is
+    /// held. With `load` 1 the dictionary files are read first.
+    template <typename Read>
+    static auto ReadEntry(const char* className, const char* interfaceName, short load, Read read) {
+        if (className == nullptr || interfaceName == nullptr || Deleted()) return read(nullptr);
+        if (load == 1) LYRSysTSDictionary::EnsureInitDictionary();
+        const std::size_t hash = Hash(className, interfaceName);
+        const MutexGuard guard(*GetGlobalDicoMutex());
+        return read(Deleted() ? nullptr : Find(hash, className, interfaceName));
+    }
+    template <typename Read>
+    static auto ReadEntry(const GUID& clsid, const GUID& iid, short load, Read read) {
+        if (Deleted()) return read(nullptr);
+        if (load == 1) LYRSysTSDictionary::EnsureInitDictionary();
+        const std::size_t hash = Hash(clsid, iid);
+        const MutexGuard guard(*GetGlobalDicoMutex());
+        return read(Deleted() ? nullptr : Find(hash, clsid, iid));
+    }
+
     /// The record registered under the pair with this hash, or null.
     static LYRSysTSInfoDic* Find(std::size_t hash, const char* className, const char* interfaceName)
         LYR_REQUIRES(GetGlobalDicoMutex());
     static LYRSysTSInfoDic* Find(std::size_t hash, const GUID& clsid, const GUID& iid)
         LYR_REQUIRES(GetGlobalDicoMutex());
+
+    /// For ReadEntry: the record itself, and the meta-object that one holds.
+    static LYRSysTSInfoDic* Record(LYRSysTSInfoDic* record) { return record; }
+    static LYRSysTSMetaClass* MetaObject(const LYRSysTSInfoDic* record) {
+        return record != nullptr ? ToMetaObject(record->creator) : nullptr;
+    }
 
     /// Whether _DeleteDictionary has closed the dictionary.
     static bool Deleted() { return LYRSysTSDictionary::_DictionaryDeleted; }

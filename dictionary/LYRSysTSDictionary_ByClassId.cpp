@@ -5,7 +5,6 @@
 #include "dictionary/Addition.h"
 #include "dictionary/DictionaryTables.h"
 #include "dictionary/PairKey.h"
-#include "support/AddressCast.h"
 #include "support/ByteSum.h"
 #include "support/GuidBytes.h"
 #include "support/MemoryShortage.h"
@@ -66,18 +65,13 @@ LYRSysTSInfoDic* LYRSysTSDictionary::AddDictionaryTS(const GUID* clsid, const GU
 
 LYRSysTSInfoDic* LYRSysTSDictionary::QueryDictionary(const GUID& clsid, const GUID& iid,
                                                      short load) {
-    if (_DictionaryDeleted) return nullptr;
-    if (load == 1) EnsureInitDictionary();
-
-    const std::size_t hash = lyr::DictionaryTables::Hash(clsid, iid);
-    const lyr::MutexGuard guard(*GetGlobalDicoMutex());
-    if (_DictionaryDeleted) return nullptr;
-    return lyr::DictionaryTables::Find(hash, clsid, iid);
+    using Tables = lyr::DictionaryTables;
+    return Tables::ReadEntry(clsid, iid, load, &Tables::Record);
 }
 
 LYRSysTSMetaClass* LYRSysTSDictionary::QueryMetaObject(const GUID& clsid) {
-    const LYRSysTSInfoDic* const entry = QueryDictionary(clsid, CLSID_LYRSysTSMetaClass, 1);
-    return entry != nullptr ? lyr::ToMetaObject(entry->creator) : nullptr;
+    using Tables = lyr::DictionaryTables;
+    return Tables::ReadEntry(clsid, CLSID_LYRSysTSMetaClass, 1, &Tables::MetaObject);
 }
 
 const char* LYRSysTSDictionary::GetInterfaceName(const GUID& iid) {

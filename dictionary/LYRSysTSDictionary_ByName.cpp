@@ -2,9 +2,7 @@
 #include "dictionary/Addition.h"
 #include "dictionary/DictionaryTables.h"
 #include "dictionary/PairKey.h"
-#include "support/AddressCast.h"
 #include "support/ByteSum.h"
-#include "support/MutexGuard.h"
 
 #include <string_view>
 
@@ -33,16 +31,11 @@ LYRSysTSInfoDic* LYRSysTSDictionary::AddDictionaryTS(const char* className,
 
 LYRSysTSInfoDic* LYRSysTSDictionary::QueryDictionary(const char* className,
                                                      const char* interfaceName, short load) {
-    if (className == nullptr || interfaceName == nullptr || _DictionaryDeleted) return nullptr;
-    if (load == 1) EnsureInitDictionary();
-
-    const std::size_t hash = lyr::DictionaryTables::Hash(className, interfaceName);
-    const lyr::MutexGuard guard(*GetGlobalDicoMutex());
-    if (_DictionaryDeleted) return nullptr;
-    return lyr::DictionaryTables::Find(hash, className, interfaceName);
+    using Tables = lyr::DictionaryTables;
+    return Tables::ReadEntry(className, interfaceName, load, &Tables::Record);
 }
 
 LYRSysTSMetaClass* LYRSysTSDictionary::QueryMetaObject(const char* className) {
-    const LYRSysTSInfoDic* const entry = QueryDictionary(className, "MetaObject", 0);
-    return entry != nullptr ? lyr::ToMetaObject(entry->creator) : nullptr;
+    using Tables = lyr::DictionaryTables;
+    return Tables::ReadEntry(className, "MetaObject", 0, &Tables::MetaObject);
 }

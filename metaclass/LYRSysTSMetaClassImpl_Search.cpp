@@ -3,9 +3,9 @@
 #include "LYRSysTSMetaClassExt.h"
 #include "LYRSysTSMetaClassImpl.h"
 #include "LYRThrLibraryManager.h"
+#include "dictionary/EntryCopy.h"
 #include "support/AddressCast.h"
 #include "support/MemoryShortage.h"
-#include "support/SharedField.h"
 
 #include <cerrno>
 #include <new>
@@ -13,17 +13,7 @@
 
 namespace {
 
-/// What a name entry says, each field read once: another thread may be filling the record.
-struct Implementer {
-    const char* library;
-    const char* leaf;
-    const char* extension;
-
-    explicit Implementer(const LYRSysTSInfoDic& entry)
-        : library(lyr::LoadShared(entry.sharedLibrary)),
-          leaf(lyr::LoadShared(entry.itfLeaf)),
-          extension(lyr::LoadShared(entry.extendedBy)) {}
-};
+using lyr::EntryCopy;
 
 LYRSysTSMetaClassBase* FindClass(const char* name) {
     LYRSysTSMetaClass* const metaObject = LYRSysTSDictionary::QueryMetaObject(name);
@@ -49,9 +39,8 @@ bool LeafImplements(const char* leaf, const GUID& iid) {
     return metaObject != nullptr && metaObject->IsAKindOf(iid) != 0;
 }
 
-bool Extends(const Implementer& implementer, const LYRSysTSMetaClass& extended) {
-    LYRSysTSMetaClassBase* const metaObject =
-        FindOrLoadClass(implementer.extension, implementer.library);
+bool Extends(const EntryCopy& entry, const LYRSysTSMetaClass& extended) {
+    LYRSysTSMetaClassBase* const metaObject = FindOrLoadClass(entry.extension, entry.library);
     if (metaObject == nullptr) return false;
     LYRSysTSMetaClassExt* const extension = metaObject->CastToMetaExtension();
     if (extension == nullptr) return false;
@@ -62,23 +51,22 @@ bool Extends(const Implementer& implementer, const LYRSysTSMetaClass& extended) 
     return extension->IsExtensionOf(&extended);
 }
 
-LYRSysTSInterfaceFactory FindEntryPoint(const Implementer& implementer, const char* interfaceName,
+LYRSysTSInterfaceFactory FindEntryPoint(const EntryCopy& entry, const char* interfaceName,
                                         const char* className) {
     std::string name("LYRSysTSCreate");
-    name += implementer.leaf != nullptr ? implementer.leaf : interfaceName;
-    name += implementer.extension != nullptr ? implementer.extension : className;
+    name += entry.leaf != nullptr ? entry.leaf : interfaceName;
+    name += entry.extension != nullptr ? entry.extension : className;
     return lyr::ToFunction<LYRSysTSInterfaceFactory>(
-        Counted(LYRThrLibraryManager::GetFunctionAddress(implementer.library, name.c_str())));
+        Counted(LYRThrLibraryManager::GetFunctionAddress(entry.library, name.c_str())));
 }
 
 /// The factory that the entry by names leads to, in a library's entry point.
 LYRSysTSInterfaceFactory FindByName(const LYRSysTSMetaClass& extended, const GUID& iid,
-                                    const char* interfaceName, const LYRSysTSInfoDic& entry) {
-    const Implementer implementer(entry);
-    if (implementer.leaf != nullptr && !LeafImplements(implementer.leaf, iid)) return nullptr;
-    if (implementer.extension != nullptr && !Extends(implementer, extended)) return nullptr;
-    if (implementer.library == nullptr) return nullptr;
-    return FindEntryPoint(implementer, interfaceName, extended.IsA());
+                                    const char* interfaceName, const EntryCopy& entry) {
+    if (entry.leaf != nullptr && !LeafImplements(entry.leaf, iid)) return nullptr;
+    if (entry.extension != nullptr && !Extends(entry, extended)) return nullptr;
+    if (entry.library == nullptr) return nullptr;
+    return FindEntryPoint(entry, interfaceName, extended.IsA());
 }
 
 }  // namespace
@@ -89,22 +77,21 @@ LYRSysTSInterfaceFactory LYRSysTSMetaClassImpl::_QueryFromDictionary(const GUID&
     LYRSysTSDictionary::EnsureInitDictionary();
     const GUID* const clsid = GetClassId();
     if (clsid != nullptr) {
-        const auto* const known = LYRSysTSDictionary::QueryDictionary(*clsid, iid, 1);
-        const LYRSysTSInterfaceFactory creator = known != nullptr ? known->creator.load() : nullptr;
-        if (creator != nullptr && iid != CLSID_LYRSysTSMetaClass) {
-            return lyr::LoadShared(known->sharedLibrary) != nullptr ? creator : nullptr;
+        const EntryCopy known = EntryCopy::Of(*clsid, iid);
+        if (known.creator != nullptr && iid != CLSID_LYRSysTSMetaClass) {
+            return known.library != nullptr ? known.creator : nullptr;
         }
     }
     // What stands under this id is a meta-object, and no factory.
     if (iid == CLSID_LYRSysTSMetaClass) return nullptr;
 
     const char* const interfaceName = LYRSysTSDictionary::GetInterfaceName(iid);
-    LYRSysTSInfoDic* const entry = LYRSysTSDictionary::QueryDictionary(IsA(), interfaceName, 1);
-    if (entry == nullptr) return nullptr;
+    const EntryCopy entry = EntryCopy::Of(IsA(), interfaceName);
+    if (entry.record == nullptr) return nullptr;
     try {
-        const LYRSysTSInterfaceFactory factory = FindByName(*this, iid, interfaceName, *entry);
+        const LYRSysTSInterfaceFactory factory = FindByName(*this, iid, interfaceName, entry);
         if (factory != nullptr && clsid != nullptr) {
-            LYRSysTSDictionary::AddDictionaryTS(*clsid, iid, factory, entry);
+            LYRSysTSDictionary::AddDictionaryTS(*clsid, iid, factory, entry.record);
         }
         return factory;
     } catch (const std::bad_alloc&) {

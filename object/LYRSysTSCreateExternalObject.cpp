@@ -1,9 +1,8 @@
 #include "LYRSysTSCreateExternalObject.h"
 
-#include "LYRSysTSDictionary.h"
 #include "LYRThrLibraryManager.h"
+#include "dictionary/EntryCopy.h"
 #include "support/AddressCast.h"
-#include "support/SharedField.h"
 
 #include <new>
 #include <string>
@@ -25,14 +24,11 @@ CreationFunction FindEntryPoint(const char* className, const char* library) {
 /// The function that creates objects of the class: the registered one, else that of the caller's
 /// library, else that of the dictionary's.
 CreationFunction FindCreationFunction(const char* className, const char* library) {
-    const auto* const entry = LYRSysTSDictionary::QueryDictionary(className, "CreateInterface", 1);
-    if (entry != nullptr) {
-        const LYRSysTSInterfaceFactory creator = entry->creator;
-        if (creator != nullptr) {
-            return lyr::ToFunction<CreationFunction>(reinterpret_cast<void*>(creator));
-        }
-        if (library == nullptr) library = lyr::LoadShared(entry->sharedLibrary);
+    const auto entry = lyr::EntryCopy::Of(className, "CreateInterface");
+    if (entry.creator != nullptr) {
+        return lyr::ToFunction<CreationFunction>(reinterpret_cast<void*>(entry.creator));
     }
+    if (library == nullptr) library = entry.library;
     return library != nullptr ? FindEntryPoint(className, library) : nullptr;
 }
 

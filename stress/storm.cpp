@@ -240,8 +240,13 @@ static void Storm(unsigned seed, unsigned scenes) {
 
 /// Closes the dictionary beside a thread that goes on with it.
 static void End() {
-    std::thread late([] {
+    auto* const shape = dynamic_cast<LYRSysTSMetaClassImpl*>(Class("Shape", ImplementationClass));
+    std::thread late([=] {
         for (unsigned i = 0; i < 2000; ++i) {
+            shape->_QueryFromDictionary(G(i % kLibraries, 4));
+            for (auto* known : {Dictionary::QueryMetaObject("Shape"),
+                                Dictionary::QueryMetaObject(*shape->GetClassId())})
+                MUST(known == shape || known == nullptr);
             Add(Named("Late", i).c_str(), "I");
             Dictionary::AddDictionaryTS(G(1), IdOf(i, 1), Creator(1), nullptr);
         }

@@ -1,0 +1,21 @@
+#pragma once
+
+#include "LYRSysTSInfoDic.h"
+
+namespace lyr {
+
+/// What an entry of the dictionary says, copied under its lock: as soon as that is given back,
+/// another thread may fill the record, or free it in _DeleteDictionary.
+struct EntryCopy {
+    LYRSysTSInfoDic* record = nullptr;  ///< null without such an entry; for the dictionary's use
+    LYRSysTSInterfaceFactory creator = nullptr;
+    const char* library = nullptr;
+    const char* leaf = nullptr;
+    const char* extension = nullptr;
+
+    /// The entry of the pair, after the dictionary files have been read. A null name has none.
+    static EntryCopy Of(const char* className, const char* interfaceName);
+    static EntryCopy Of(const GUID& clsid, const GUID& iid);
+};
+
+}  // namespace lyr
