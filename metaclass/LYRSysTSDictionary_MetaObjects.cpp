@@ -1,8 +1,8 @@
 #include "LYRSysTSDictionary.h"
 #include "LYRSysTSFindOrCreateMetaObject.h"
 #include "LYRSysTSKnownIds.h"
-#include "LYRSysTSMetaClassExt.h"
 #include "dictionary/Addition.h"
+#include "metaclass/ToExtension.h"
 #include "registries/Intern.h"
 #include "support/AddressCast.h"
 #include "support/MutexGuard.h"
@@ -79,10 +79,9 @@ LYRSysTSMetaClass* Create(const char* name, LYRSysTSTypeOfClass type, const GUID
 /// Has an extension's meta-object take note of a class that it extends. Throws std::bad_alloc.
 void NoteExtended(LYRSysTSMetaClass* metaObject, const char* extendedName) {
     if (extendedName == nullptr) return;
-    LYRSysTSMetaClassExt::AddExtendedComponent(metaObject, extendedName);
-    LYRSysTSMetaClassBase* const base = metaObject->ToMetaClassBase();
-    LYRSysTSMetaClassExt* const extension = base != nullptr ? base->CastToMetaExtension() : nullptr;
+    LYRSysTSMetaClassExt* const extension = lyr::ToExtension(metaObject);
     if (extension == nullptr) return;
+    extension->SetExtensionOf(extendedName);
     const char* const interned = lyr::InternText(extendedName);
     if (interned != nullptr && !extension->_IsExtensionOf(interned)) throw std::bad_alloc();
 }

@@ -1,6 +1,7 @@
 #include "LYRSysTSMetaClassExt.h"
 
 #include "LYRSysTSDicoString.h"
+#include "metaclass/ToExtension.h"
 #include "support/MutexGuard.h"
 
 #include <algorithm>
@@ -66,7 +67,5 @@ bool LYRSysTSMetaClassExt::_Lists(const char* internedName) const {
 }
 
 void LYRSysTSMetaClassExt::AddExtendedComponent(LYRSysTSMetaClass* meta, const char* className) {
-    LYRSysTSMetaClassBase* const base = meta != nullptr ? meta->ToMetaClassBase() : nullptr;
-    LYRSysTSMetaClassExt* const extension = base != nullptr ? base->CastToMetaExtension() : nullptr;
-    if (extension != nullptr) extension->SetExtensionOf(className);
+    if (auto* const extension = lyr::ToExtension(meta)) extension->SetExtensionOf(className);
 }

@@ -2,7 +2,7 @@
 
 #include "LYRSysTSBaseUnknown.h"
 #include "LYRSysTSChainExtension.h"
-#include "LYRSysTSMetaClassExt.h"
+#include "metaclass/ToExtension.h"
 #include "support/SharedField.h"
 
 #include <utility>
@@ -47,13 +47,6 @@ struct ObjectAccess {
         StoreShared(extension._extensionLink, extended);
     }
 };
-
-/// The meta-object as an extension's; null for null and for any other.
-inline LYRSysTSMetaClassExt* ToExtension(LYRSysTSMetaClass* metaObject) {
-    LYRSysTSMetaClassBase* const base =
-        metaObject != nullptr ? metaObject->ToMetaClassBase() : nullptr;
-    return base != nullptr ? base->CastToMetaExtension() : nullptr;
-}
 
 /// Who counts the references to an object.
 struct Counting {

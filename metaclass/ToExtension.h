@@ -1,0 +1,14 @@
+#pragma once
+
+#include "LYRSysTSMetaClassExt.h"
+
+namespace lyr {
+
+/// The meta-object as an extension's; null for null and for any other.
+inline LYRSysTSMetaClassExt* ToExtension(LYRSysTSMetaClass* metaObject) {
+    LYRSysTSMetaClassBase* const base =
+        metaObject != nullptr ? metaObject->ToMetaClassBase() : nullptr;
+    return base != nullptr ? base->CastToMetaExtension() : nullptr;
+}
+
+}  // namespace lyr
