@@ -30,22 +30,22 @@ Addition::Addition(const char* className, const char* interfaceName, const char*
                    const char* itfLeaf, const char* extendedBy, LYRSysTSInterfaceFactory creator)
     : _isByName(true),
       _hash(DictionaryTables::Hash(className, interfaceName)),
-      _bucket(LYRSysTSDictionary::_ComputeHashKey(className, interfaceName)) {
+      _bucket(LYRSysTSDictionary::_ComputeHashKey(className, interfaceName)),
+      _creator(creator) {
     _given.className = className;
     _given.interfaceName = interfaceName;
     _given.sharedLibrary = WithoutLib(sharedLibrary);
     _given.itfLeaf = itfLeaf;
     _given.extendedBy = extendedBy;
-    _given.creator.store(creator, std::memory_order_relaxed);
 }
 
 Addition::Addition(const GUID& clsid, const GUID& iid, LYRSysTSInterfaceFactory creator)
     : _isByName(false),
       _hash(DictionaryTables::Hash(clsid, iid)),
-      _bucket(LYRSysTSDictionary::_ComputeHashKey(&clsid, &iid)) {
+      _bucket(LYRSysTSDictionary::_ComputeHashKey(&clsid, &iid)),
+      _creator(creator) {
     _given.clsid = &clsid;
     _given.iid = &iid;
-    _given.creator.store(creator, std::memory_order_relaxed);
 }
 
 LYRSysTSInfoDic* Addition::Existing() const {
@@ -84,8 +84,7 @@ bool Addition::ContradictsRecord(const LYRSysTSInfoDic& record) const {
         if (!SameText(record.*field, _given.*field)) return true;
     }
     const LYRSysTSInterfaceFactory stored = record.creator;
-    const LYRSysTSInterfaceFactory given = _given.creator;
-    return stored != nullptr && given != nullptr && stored != given;
+    return stored != nullptr && _creator != nullptr && stored != _creator;
 }
 
 bool Addition::InternMissing(const LYRSysTSInfoDic& record) {
@@ -109,10 +108,7 @@ void Addition::Commit() {
         if (_missing.*field != nullptr) StoreShared(_record->*field, _missing.*field);
     }
     // Last, so that whoever sees the creator without the lock also sees its library.
-    const LYRSysTSInterfaceFactory creator = _given.creator;
-    if (creator != nullptr && _record->creator == nullptr) {
-        _record->creator.store(creator, std::memory_order_release);
-    }
+    if (_creator != nullptr && _record->creator == nullptr) _record->creator = _creator;
     if (_isNew) Table().Append(_bucket, _hash, _record);
     static_cast<void>(_newRecord.release());
 }

@@ -40,7 +40,8 @@ private:
     const bool _isByName;
     const std::size_t _hash;
     const int _bucket;
-    LYRSysTSInfoDic _given;    // what the caller gives; null where it gives nothing
+    const LYRSysTSInterfaceFactory _creator;
+    LYRSysTSInfoDic _given;    // what else the caller gives; null where it gives nothing
     LYRSysTSInfoDic _missing;  // of that, interned, what the record still lacks
     LYRSysTSInfoDic* _record = nullptr;
     std::unique_ptr<LYRSysTSInfoDic> _newRecord;

@@ -45,8 +45,7 @@ public:
         if (_count < 0 && errno == ENOMEM) ++memoryShortages;
     }
     ~Listing() {
-        if (_count < 0) return;
-        for (dirent** entry = begin(); entry != end(); ++entry) std::free(*entry);
+        for (dirent* const entry : *this) std::free(entry);
         std::free(_entries);
     }
     Listing(const Listing&) = delete;

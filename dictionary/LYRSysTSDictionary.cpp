@@ -41,7 +41,7 @@ void LYRSysTSDictionary::_ClearDictionary() {
 void LYRSysTSDictionary::_DeleteDictionary() {
     if (!_DictionaryCleared || _DictionaryDeleted.exchange(true)) return;
     {
-        // A record with a class name is in the table by name, which frees it.
+        // A record with a class name is left to the table by name.
         const lyr::MutexGuard guard(*GetGlobalDicoMutex());
         lyr::DictionaryTables::byGUID.Clear([](const LYRSysTSInfoDic* record) {
             if (record != nullptr && record->className == nullptr) delete record;

@@ -56,7 +56,7 @@ LYRSysTSInfoDic* LYRSysTSDictionary::AddDictionaryTS(const GUID* clsid, const GU
         both.Make(creator != nullptr);
     } catch (const std::bad_alloc&) {
         ++lyr::memoryShortages;
-        lyr::SayRefused(1);
+        lyr::SayRefused(both.refusals + 1);
         return nullptr;
     }
     lyr::SayRefused(both.refusals);

@@ -63,7 +63,8 @@ public:
                                             LYRSysTSInterfaceFactory creator,
                                             LYRSysTSInfoDic* info);
 
-    /// Registers (`clsid`, `iid`) with its creator; `info` as above. Null without a message for a
+    /// Registers (`clsid`, `iid`) with its creator; `info` as above, and one that has a class name
+    /// must be that of an entry by names, through which it is freed. Null without a message for a
     /// null creator and after _DeleteDictionary.
     static LYRSysTSInfoDic* AddDictionaryTS(const GUID& clsid, const GUID& iid,
                                             LYRSysTSInterfaceFactory creator,
@@ -108,7 +109,8 @@ public:
 
     /// Reads the dictionary files of the directories of LYRDictionaryPath, once per process. Says
     /// on standard error when that variable is not set, or LYRDictionaryNoPathNoFallback is; then
-    /// the next request asks again. Returns at once when the calling thread is reading them.
+    /// the next request asks again. When memory runs out on the way, the next request reads them
+    /// again, which may repeat messages. Returns at once when the calling thread is reading them.
     static void EnsureInitDictionary();
 
     /// For scandir: 1 for the name of a dictionary file, 0 for any other and for null.

@@ -28,15 +28,15 @@ ChainSlot<Link> FindSlot(Link*& head, Stop stop) {
     return {place, link};
 }
 
-/// The last link of each chain of a table, so that hanging one more does not walk the chain.
-/// Changed under the table's lock.
+/// The last link of each chain of a table, so that hanging one more does not walk the chain. For
+/// tables whose chains are walked and changed under the table's lock.
 template <typename Link, std::size_t buckets>
 class ChainTails {
 public:
     /// Hangs the link at the end of the bucket's chain, which begins at `head`.
     void Append(Link*& head, std::size_t bucket, Link* link) {
         Link*& last = _last[bucket];
-        StoreShared(last != nullptr ? last->next : head, link);
+        (last != nullptr ? last->next : head) = link;
         last = link;
     }
 

@@ -7,13 +7,16 @@
 
 namespace lyr {
 
+template <typename Number>
+Number LoadNumber(const char* bytes) noexcept {
+    Number number;
+    std::memcpy(&number, bytes, sizeof number);
+    return number;
+}
+
 /// A hash of a text for indexes; the tables have keys of their own. The standard library's takes
 /// longer on names, of which every line of a dictionary file has several.
 inline std::size_t TextHash(std::string_view text) noexcept {
-    const auto load = [](const char* bytes, auto number) -> std::uint64_t {
-        std::memcpy(&number, bytes, sizeof number);
-        return number;
-    };
     const auto mix = [](std::uint64_t a, std::uint64_t b) {
         __extension__ using Wide = unsigned __int128;
         const Wide product = static_cast<Wide>(a) * b;
@@ -25,11 +28,12 @@ inline std::size_t TextHash(std::string_view text) noexcept {
     std::uint64_t last = 0;
     if (text.size() >= 8) {
         for (const char* bytes = text.data(); bytes < end - 8; bytes += 8) {
-            hash = mix(hash ^ load(bytes, std::uint64_t{}), 0xA0761D6478BD642F);
+            hash = mix(hash ^ LoadNumber<std::uint64_t>(bytes), 0xA0761D6478BD642F);
         }
-        last = load(end - 8, std::uint64_t{});  // overlaps the one before
+        last = LoadNumber<std::uint64_t>(end - 8);  // overlaps the one before
     } else if (text.size() >= 4) {
-        last = load(text.data(), std::uint32_t{}) << 32 | load(end - 4, std::uint32_t{});
+        last = LoadNumber<std::uint32_t>(text.data());
+        last = last << 32 | LoadNumber<std::uint32_t>(end - 4);
     } else {
         for (const char byte : text) last = last << 8 | static_cast<unsigned char>(byte);
     }
