@@ -30,12 +30,12 @@
 // the two.
 //
 // All of it is one word, so that a thread which looks sees one moment of the lock: 0 without a
-// lock, kUnlocked, or the holder and its nested holds. Whoever finds it unlocked takes it with one
-// atomic exchange; from then on only the holder writes it, so nested holds and the unlock are plain
-// stores. (At exit the destructor writes it too. Where the holder's store comes last, the mutex
-// goes on as a lock instead of as none, which keeps nobody out for ever either.) While the process
-// has one thread, taking the lock is a plain store too; the C library's own locks and
-// std::shared_ptr do the same.
+// lock, else kLock, with the holder and its nested holds while it is held. Whoever finds it free
+// takes it with one atomic exchange; from then on only the holder writes it, so nested holds and
+// the unlock are plain stores. (At exit the destructor writes it too. Where the holder's store
+// comes last, the mutex goes on as a lock instead of as none, which keeps nobody out for ever
+// either.) While the process has one thread, taking the lock is a plain store too; the C
+// library's own locks and std::shared_ptr do the same.
 //
 // Waiting. Sections are short, so whoever finds the lock held tries a few times more, ever less
 // often, as each try takes the cache line from the holder. Then it sleeps until an unlock wakes it;
@@ -139,7 +139,7 @@ void AfterWake(void*) {}
 
 static_assert(std::atomic<State>::is_always_lock_free);
 
-LYRMutex::LYRMutex(bool holdsLock) noexcept : _state(holdsLock ? kUnlocked : kNoLock) {}
+LYRMutex::LYRMutex(bool holdsLock) noexcept : _state(holdsLock ? kLock : kNoLock) {}
 
 LYRSmartMutex::LYRSmartMutex(int withoutLock) noexcept : LYRMutex(withoutLock == 0) {}
 
@@ -149,9 +149,9 @@ LYRMutex::~LYRMutex() {
     if (state == kNoLock) return;
     if (kAnnotated) {
         // At exit another thread may be about to take or free it, and must be seen to do so.
-        _state.fetch_and(~kUnlocked, std::memory_order_release);
+        _state.fetch_and(~kLock, std::memory_order_release);
     } else {
-        _state.store(state & ~kUnlocked, std::memory_order_release);
+        _state.store(state & ~kLock, std::memory_order_release);
     }
     BeforeWake(this);
     Sleepers::BetweenStoreAndLook();
@@ -163,29 +163,27 @@ LYRMutex::~LYRMutex() {
 void LYRMutex::LockF() LYR_NO_THREAD_SAFETY_ANALYSIS {
     const State self = Self();
     State seen = _state.load(std::memory_order_relaxed);
-    if (kAnnotated && (seen & kUnlocked) == 0) return;
+    if (kAnnotated && (seen & kLock) == 0) return;
     const bool nests = (seen & kHolder) == self;
     if (nests) ThrowUnlessOneMoreNests(seen);
     BeforeLock(this);
     bool locked = true;
     if (nests) {
         _state.store(seen + kOneNested, std::memory_order_relaxed);
-    } else if (!Take(_state, kUnlocked, kUnlocked | self, seen)) {
-        locked = (seen & kUnlocked) != 0 && AcquireSlowly(kUnlocked | self);
+    } else if (!Take(_state, kLock, kLock | self, seen)) {
+        locked = (seen & kLock) != 0 && AcquireSlowly(kLock | self);
     }
     AfterLock(this, locked);
 }
 
 /// Whether the lock is held now; it is not when there is none.
 bool LYRMutex::AcquireSlowly(State held) {
-    const auto isHeld = [](State state) {
-        return (state & kUnlocked) != 0 && (state & kHolder) != 0;
-    };
+    const auto isHeld = [](State state) { return (state & kLock) != 0 && (state & kHolder) != 0; };
     for (;;) {
         for (int pauses = 1; pauses <= kMostPauses; pauses *= 2) {
             State seen = _state.load(std::memory_order_relaxed);
-            if ((seen & kUnlocked) == 0) return false;
-            if (!isHeld(seen) && Take(_state, kUnlocked, held, seen)) return true;
+            if ((seen & kLock) == 0) return false;
+            if (!isHeld(seen) && Take(_state, kLock, held, seen)) return true;
             for (int i = 0; i < pauses; ++i) Pause();
         }
         Sleepers::Of(_state).Sleep(_state, isHeld);
@@ -199,7 +197,7 @@ void LYRMutex::UnlockF() LYR_NO_THREAD_SAFETY_ANALYSIS {
     if ((state & kNested) != 0) {
         _state.store(state - kOneNested, std::memory_order_relaxed);
     } else {
-        _state.store(state & kUnlocked, std::memory_order_release);
+        _state.store(state & kLock, std::memory_order_release);
         Sleepers::BetweenStoreAndLook();
         Sleepers& sleepers = Sleepers::Of(_state);
         if (sleepers.AreThere()) sleepers.WakeOne(_state);

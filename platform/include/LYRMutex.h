@@ -32,10 +32,10 @@ protected:
     ~LYRMutex();
 
     static constexpr std::uint64_t kNoLock = 0;
-    static constexpr std::uint64_t kUnlocked = 2;
+    static constexpr std::uint64_t kLock = 2;  // there is one, and nobody holds it
 
-    /// kNoLock, kUnlocked, or the thread that holds the lock and its nested holds; of one that was
-    /// destroyed while it was held, these without the bit of kUnlocked.
+    /// kNoLock or kLock; while it is held, kLock with the holder and its nested holds; of one that
+    /// was destroyed while it was held, these without kLock.
     std::atomic<std::uint64_t> _state;
 
 private:

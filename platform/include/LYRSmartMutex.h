@@ -11,7 +11,7 @@ public:
 
     /// Whether there is a lock in it. The answer never changes while the mutex lives.
     bool HoldsLock() const noexcept {
-        return (_state.load(std::memory_order_relaxed) & kUnlocked) != 0;
+        return (_state.load(std::memory_order_relaxed) & kLock) != 0;
     }
 };
 
