@@ -53,7 +53,6 @@ LYRSysTSBaseUnknown* FindOrMakeKept(LYRSysTSBaseUnknown& object, const LYRSysTSM
     if (create == nullptr) return nullptr;
     std::unique_ptr<LYRSysTSBaseUnknown> instance(create());
     if (instance == nullptr) return nullptr;
-    SetExtended(*instance, object);
     // Searched again: the creation function may have asked for extensions of the same object.
     const KeptSearch now = FindKept(object, metaClass);
     if (now.found != nullptr) return now.found;
@@ -61,6 +60,8 @@ LYRSysTSBaseUnknown* FindOrMakeKept(LYRSysTSBaseUnknown& object, const LYRSysTSM
     std::unique_ptr<LYRSysTSChainExtension> link(new (std::nothrow)
                                                      LYRSysTSChainExtension(instance.get()));
     if (link == nullptr) return nullptr;
+    // Not before: one that is thrown away has nothing to do with the object.
+    SetExtended(*instance, object);
     if (now.last == nullptr) {
         ObjectAccess::SetChain(object, link.get());
     } else if (now.last->SetNextChainExtension(link.get()) != S_OK) {

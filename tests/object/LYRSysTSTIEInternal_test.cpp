@@ -5,7 +5,10 @@ static Object* object;  // the one that the test is about
 static Object* MakeTransient() {
     return new TestObject(true, Class("Transient"));
 }
+/// Asks for extensions of the object that it is made for, for one of its own class too.
 static Object* MakeOuter() {
+    static bool asks = false;
+    if ((asks = !asks)) MakeTie(object, Class("Outer"), &MakeOuter);
     MakeTie(object, Class("Kept"), &TestObject::MakeKept);
     return new TestObject(true, Class("Outer"));
 }
@@ -35,7 +38,7 @@ TEST(Construction, FindsOrMakesTheObjectThatImplementsTheClass) {
         Object* b = construct(object, transient, &MakeTransient);
         EXPECT_EQ((Numbers{a->AddRef(), object->AddRef(), a->Release()}), (Numbers{2, 4, 1}));
         EXPECT_EQ((Numbers{a->Release(), object->Release(), b->Release()}), (Numbers{0, 1, 0}));
-        EXPECT_EQ(std::exchange(TestObject::ends, ""), "TransientTransientKeptOuterGadget");
+        EXPECT_EQ(std::exchange(TestObject::ends, ""), "OuterTransientTransientKeptOuterGadget");
     }
 }
 
