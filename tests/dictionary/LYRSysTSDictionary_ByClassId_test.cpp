@@ -39,6 +39,7 @@ TEST(CombinedAddition, OneRecordServesBothTables) {
         EXPECT_EQ(add(&a, nullptr, nullptr), nullptr);
     });
     ExpectErrors(kRefused, [&] { EXPECT_EQ(add(&a, &b, "Own", 2)->clsid, nullptr); });
+    ExpectErrors(kRefused + kRefused, [&] { EXPECT_EQ(add(&a, &b, "Filed", 2), nullptr); });
 }
 
 TEST(InterfaceName, IsThatOfTheMetaObjectElseTheRegistered) {

@@ -28,6 +28,8 @@ TEST(FactorySearch, FollowsTheFilesThroughARealLibrary) {
     for (int i = 0; i < 8; ++i) {
         const Factory found = withoutId->QueryDerivationInterfaceFactory(Id(i));
         EXPECT_EQ(gadget->QueryDerivationInterfaceFactory(Id(i)), found) << i;
+        withoutId->_AddInterfaceFactory(Id(i), Creator(1));
+        EXPECT_EQ(withoutId->_GetInterfaceFactory(Id(i)), nullptr);
         auto* record = Dictionary::QueryDictionary("Gadget", ("I" + std::to_string(i)).c_str(), 0);
         EXPECT_EQ(Find(*gadget->GetClassId(), Id(i)), i < 3 ? record : nullptr) << i;
         const std::string name = "LYRSysTSCreate" + entryPoints[i];
@@ -96,8 +98,9 @@ TEST(FactoryCache, ForgetsWithTheMetaObject) {
         LYRSysTSMetaClassImpl* classes[10];
         for (auto*& each : classes) each = new LYRSysTSMetaClassImpl(&IID_IUnknown, "C", nullptr);
         for (unsigned k = 0; k < 3 * 1600; ++k) {
-            // Ids that differ in one byte, which a careless comparison leaves out.
-            const GUID id = G(7, 2, 0, {0, 0, static_cast<std::uint8_t>(k % 1600 / 10)});
+            // Ids that differ in one byte of either half, which a careless comparison leaves out.
+            const auto byte = static_cast<std::uint8_t>(k % 1600 / 10);
+            const GUID id = byte < 80 ? G(7, 2, 0, {0, 0, byte}) : G(byte, 2);
             const Factory factory = Creator(10 * (k % 1600) + round);
             if (k < 1600) classes[k % 10]->_AddInterfaceFactory(id, factory);
             EXPECT_EQ(classes[k % 10]->QueryDerivationInterfaceFactory(id), factory);
