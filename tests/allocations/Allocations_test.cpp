@@ -15,7 +15,9 @@
 /// Of the leak sanitizer, where there is one.
 extern "C" [[gnu::weak]] int __lsan_do_recoverable_leak_check();
 
+using BOA = LYRSysTSBOAInternal;
 using Loader = LYRThrLibraryManager;
+using Interfaces = LYRSysTSDicoIIDName;
 
 // What else may come of a request.
 constexpr unsigned kPlain = 0;
@@ -72,96 +74,76 @@ static bool Found(const char* entryPoint) {
     return result && result == Loader::GetFunctionAddress("LyrTestParts", entryPoint);
 }
 
-using Answer = const void*;
-static Answer Put(LYRSysTSDictionaryReader&& reader, int count) {
+static const void* Put(LYRSysTSDictionaryReader&& reader, int count) {
     char id[] = "{A0000008-0000-0000-0000-000000000000}", name[] = "AVeryLongName";
     char* words[] = {id, name, name};
     return reader.PutInfo(words, count, "file", 1) == S_OK ? kName : nullptr;
 }
 
+/// A transient extension, which its last release has deleted. Counted for the object, it stays its.
+static const void* Released(Object* made) {
+    if (made != nullptr) object->AddRef(), made->Release();
+    return made;
+}
+
+// A request, by its answer; and one that has none.
+#define ASK(...) []() -> const void* { return __VA_ARGS__; }
+#define DO(...) []() -> const void* { return __VA_ARGS__, nullptr; }
+
 static const Row kRows[] = {
-    {"String", kPlain, []() -> Answer { return LYRSysTSDicoString::AddStringInDico(kName); }},
-    {"Id", kPlain, []() -> Answer { return LYRSysTSDicoGUID::AddGUIDInDico(&kIid); }},
-    {"MadeUpId", kPlain, []() -> Answer { return Dictionary::_CreateCLSID(); }},
-    {"InterfaceName", kPlain,
-     []() -> Answer { return LYRSysTSDicoIIDName::AddDicoIIDName(kIid, kName) ? kName : nullptr; }},
-    {"ClassName", kPlain,
-     []() -> Answer { return LYRSysTSDicoCLSIDName::AddDicoCLSIDName(kIid, kName, "L"); }},
-    {"MoreByName", kSays, []() -> Answer { return Add(kName, "I", "L", "F", "E"); },
-     [] { Add(kName, "I"); }},
-    {"OwnRecord", kSays,
-     []() -> Answer { return Add(kName, "I", "L", "F", "E", Creator(1), record); },
+    {"String", kPlain, ASK(LYRSysTSDicoString::AddStringInDico(kName))},
+    {"Id", kPlain, ASK(LYRSysTSDicoGUID::AddGUIDInDico(&kIid))},
+    {"MadeUpId", kPlain, ASK(Dictionary::_CreateCLSID())},
+    {"InterfaceName", kPlain, ASK(Interfaces::AddDicoIIDName(kIid, kName) ? kName : nullptr)},
+    {"ClassName", kPlain, ASK(LYRSysTSDicoCLSIDName::AddDicoCLSIDName(kIid, kName, "L"))},
+    {"MoreByName", kSays, ASK(Add(kName, "I", "L", "F", "E")), [] { Add(kName, "I"); }},
+    {"OwnRecord", kSays, ASK(Add(kName, "I", "L", "F", "E", Creator(1), record)),
      [] { record = new Record; }},
-    {"ById", kSays,
-     []() -> Answer { return Dictionary::AddDictionaryTS(kId, kIid, Creator(1), nullptr); }},
-    {"InterfaceLine", kSays, [] { return Put(LYRSysTSIidReader(), 2); }},
-    {"ClassLine", kSays, [] { return Put(LYRSysTSClsidReader(), 3); }},
-    {"CreationFunction", kSays,
-     []() -> Answer {
-         return LYRSysTSFillDictionary(kName, "CreateInterface", Creator(1)), nullptr;
-     },
+    {"ById", kSays, ASK(Dictionary::AddDictionaryTS(kId, kIid, Creator(1), nullptr))},
+    {"InterfaceLine", kSays, ASK(Put(LYRSysTSIidReader(), 2))},
+    {"ClassLine", kSays, ASK(Put(LYRSysTSClsidReader(), 3))},
+    {"CreationFunction", kSays, DO(LYRSysTSFillDictionary(kName, "CreateInterface", Creator(1))),
      Nothing, [] { return Dictionary::QueryDictionary(kName, "CreateInterface", 0) != nullptr; }},
     {"ByBoth", kSays,
-     []() -> Answer {
-         return Dictionary::AddDictionaryTS(&kId, &kIid, kName, "I", "L", Creator(1), 0);
-     }},
-    {"QueryThatScans", kPartly,
-     []() -> Answer { return Dictionary::QueryDictionary("Thing", "CreateInterface", 1); }},
-    {"Constructor", kThrows,
-     []() -> Answer { return new LYRSysTSMetaClassExt(&kId, kName, nullptr, KeptExtension); }},
-    {"ExtensionOf", kPlain,
-     []() -> Answer {
-         return LYRSysTSMetaClassExt::AddExtendedComponent(Class(kName), "Other"), nullptr;
-     },
+     ASK(Dictionary::AddDictionaryTS(&kId, &kIid, kName, "I", "L", Creator(1), 0))},
+    {"QueryThatScans", kPartly, ASK(Dictionary::QueryDictionary("Thing", "CreateInterface", 1))},
+    {"Constructor", kThrows, ASK(new LYRSysTSMetaClassExt(&kId, kName, nullptr, KeptExtension))},
+    {"ExtensionOf", kPlain, DO(LYRSysTSMetaClassExt::AddExtendedComponent(Class(kName), "Other")),
      [] { Class(kName, KeptExtension); }, Extends},
     {"Extension", kThrows | kPartly,
-     []() -> Answer {
-         return Dictionary::FindOrCreateMetaObject(kName, KeptExtension, &kId, nullptr, "Other");
-     },
-     Nothing, Extends},
-    {"RememberFactory", kPlain,
-     []() -> Answer { return meta->_AddInterfaceFactory(kIid, Creator(1)), nullptr; }, Gadget,
+     ASK(Dictionary::FindOrCreateMetaObject(kName, KeptExtension, &kId, nullptr, "Other")), Nothing,
+     Extends},
+    {"RememberFactory", kPlain, DO(meta->_AddInterfaceFactory(kIid, Creator(1))), Gadget,
      [] { return meta->_GetInterfaceFactory(kIid) == Creator(1); }},
-    {"SearchExtension", kPartly | kLoose, [] { return Search(0); }, Gadget,
+    {"SearchExtension", kPartly | kLoose, ASK(Search(0)), Gadget,
      [] { return Found("LYRSysTSCreateI0GadgetExt"); }},
-    {"SearchLeaf", kPartly | kLoose, [] { return Search(2); }, Gadget,
+    {"SearchLeaf", kPartly | kLoose, ASK(Search(2)), Gadget,
      [] { return Found("LYRSysTSCreateILeafGadget"); }},
     // Of a library that is missing, so that the loader's words name no path: with 100 characters of
     // them, glibc writes beyond its memory when an allocation fails.
-    {"SearchNothing", kPartly | kLoose, [] { return Search(7); }, Gadget,
+    {"SearchNothing", kPartly | kLoose, ASK(Search(7)), Gadget,
      [] { return meta->_GetInterfaceFactory(Id(7)) == &_LYRSysTSNoSuchInterface; }},
     {"QueryInterface", kPartly | kLoose,
-     []() -> Answer { return object->QueryInterface(kIid, &out) == S_OK ? out : nullptr; },
+     ASK(object->QueryInterface(kIid, &out) == S_OK ? out : nullptr),
      [] {
          Gadget();
          const auto create = [](Object* asked, unsigned char) -> IUnknown* { return asked; };
          Dictionary::AddDictionaryTS(*meta->GetClassId(), kIid, create, Add("Gadget", "I8", "L"));
      }},
-    {"FirstMetaObject", kThrows, []() -> Answer { return object->IsA(); },
-     [] { object = new Object(1); }},
-    {"KeptExtension", kPlain, []() -> Answer { return MakeTie(object, Class("Kept"), Kept); },
-     Gadget, [] { return MakeTie(object, Class("Kept"), nullptr) != nullptr; }},
-    {"PassingExtension", kPlain,
-     []() -> Answer {
-         Object* made = LYRSysTSBOAInternal::CreateBOA(object, Class("Passing"), Passing);
-         if (made != nullptr) object->AddRef(), made->Release();
-         return made;
-     },
+    {"FirstMetaObject", kThrows, ASK(object->IsA()), [] { object = new Object(1); }},
+    {"KeptExtension", kPlain, ASK(MakeTie(object, Class("Kept"), Kept)), Gadget,
+     [] { return MakeTie(object, Class("Kept"), nullptr) != nullptr; }},
+    {"PassingExtension", kPlain, ASK(Released(BOA::CreateBOA(object, Class("Passing"), Passing))),
      Gadget},
-    {"LoadLibrary", kPlain, []() -> Answer { return Loader::LoadLibrary("LyrTestParts"); }},
+    {"LoadLibrary", kPlain, ASK(Loader::LoadLibrary("LyrTestParts"))},
     {"FunctionAddress", kPlain,
-     []() -> Answer {
-         return Loader::GetFunctionAddress("LyrTestParts", "LYRSysTSCreateI1Gadget");
-     }},
-    {"LastFailure", kPlain,
-     []() -> Answer { return Loader::LastFailure().empty() ? nullptr : kName; },
+     ASK(Loader::GetFunctionAddress("LyrTestParts", "LYRSysTSCreateI1Gadget"))},
+    {"LastFailure", kPlain, ASK(Loader::LastFailure().empty() ? nullptr : kName),
      [] { Loader::LoadLibrary("LyrNoSuchLibraryUnderThisName"); }},
     {"CreateInstance", kPartly,
-     []() -> Answer {
-         return LYRSysTSCreateInstance(kId, GUID{}, &out) == S_OK ? kName : nullptr;
-     }},
-    {"CreateExternalObject", kPlain,
-     []() -> Answer { return LYRSysTSCreateExternalObject("Thing", nullptr, &out); }, Gadget},
+     ASK(LYRSysTSCreateInstance(kId, GUID{}, &out) == S_OK ? kName : nullptr)},
+    {"CreateExternalObject", kPlain, ASK(LYRSysTSCreateExternalObject("Thing", nullptr, &out)),
+     Gadget},
 };
 
 /// Makes the request while allocations fail. Whether its whole result is there.
