@@ -113,7 +113,7 @@ void Addition::Commit() {
     static_cast<void>(_newRecord.release());
 }
 
-void PairedAddition::Make(bool withIds) {
+void PairedAddition::Make(bool withIds, int& refusals) {
     if (withIds && !byIds.Prepare(byNames.Existing())) ++refusals;
     if (!byNames.Prepare(byIds.Record())) ++refusals;
     // The names bring the library, the ids a creator.

@@ -53,12 +53,11 @@ private:
 struct PairedAddition {
     Addition byIds;
     Addition byNames;
-    int refusals = 0;
 
     /// Prepares both, the ids (unless left out) on the record that the names already have, the
     /// names on the record of the ids, and then makes them. A half that is refused is left out and
-    /// counted. Throws std::bad_alloc with nothing changed.
-    void Make(bool withIds) LYR_REQUIRES(GetGlobalDicoMutex());
+    /// counted in `refusals`. Throws std::bad_alloc with nothing else changed.
+    void Make(bool withIds, int& refusals) LYR_REQUIRES(GetGlobalDicoMutex());
 };
 
 /// Makes one addition under the lock. Its record; null, and a word on standard error, when it is

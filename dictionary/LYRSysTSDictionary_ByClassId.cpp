@@ -50,16 +50,17 @@ LYRSysTSInfoDic* LYRSysTSDictionary::AddDictionaryTS(const GUID* clsid, const GU
     lyr::DictionaryTables::EnsureCleared();
     lyr::PairedAddition both{{*clsid, *iid, creator},
                              {className, interfaceName, sharedLibrary, nullptr, nullptr, creator}};
+    int refusals = 0;
     try {
         const lyr::MutexGuard guard(*GetGlobalDicoMutex());
         if (_DictionaryDeleted) return nullptr;
-        both.Make(creator != nullptr);
+        both.Make(creator != nullptr, refusals);
     } catch (const std::bad_alloc&) {
         ++lyr::memoryShortages;
-        lyr::SayRefused(both.refusals + 1);
+        lyr::SayRefused(refusals + 1);
         return nullptr;
     }
-    lyr::SayRefused(both.refusals);
+    lyr::SayRefused(refusals);
     return both.byNames.Record();
 }
 

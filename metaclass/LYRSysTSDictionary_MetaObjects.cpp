@@ -71,8 +71,7 @@ LYRSysTSMetaClass* Create(const char* name, LYRSysTSTypeOfClass type, const GUID
     const LYRSysTSInterfaceFactory creator = lyr::ToCreator(made.get());
     lyr::PairedAddition both{{*clsid, CLSID_LYRSysTSMetaClass, creator},
                              {name, "MetaObject", nullptr, nullptr, nullptr, creator}};
-    both.Make(true);
-    refusals = both.refusals;
+    both.Make(true, refusals);
     return made.release();
 }
 
