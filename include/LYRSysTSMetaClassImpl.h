@@ -49,7 +49,8 @@ private:
     LYR_LOCAL bool _HasRoom() LYR_REQUIRES(_mutex);
     LYR_LOCAL void _Append(const GUID& iid, LYRSysTSInterfaceFactory factory) LYR_REQUIRES(_mutex);
 
-    /// The answer of a search, or the absence mark; null when memory is out.
+    /// The answer of a search, or the absence mark; null when memory is out and no other search
+    /// has found an answer meanwhile.
     LYR_LOCAL LYRSysTSInterfaceFactory _Search(const GUID& iid);
 
     /// Remembers what a search has found, unless another one, which may have seen less or more of

@@ -104,6 +104,6 @@ LYRSysTSInterfaceFactory LYRSysTSMetaClassImpl::_Search(const GUID& iid) {
         found = _baseMeta->QueryDerivationInterfaceFactory(iid);
     }
     if (found != nullptr) return _RememberFirst(iid, found);
-    if (lyr::memoryShortages != shortages) return nullptr;
+    if (lyr::memoryShortages != shortages) return _GetInterfaceFactory(iid);
     return _RememberFirst(iid, _LYRSysTSNoSuchInterface);
 }
