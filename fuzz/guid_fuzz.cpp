@@ -13,6 +13,7 @@ extern "C" int LLVMFuzzerTestOneInput(const char* data, std::size_t size) {
     std::memcpy(&guid, before.data(), sizeof guid);
     const Text expected = ReadId(text);
     Require(LYRSysTSConvertStringToGUID(block.data(), guid) == (expected ? 0 : 1));
+    Require(LYRSysTSConvertStringToGUID(nullptr, guid) == 1);
     Require(std::memcmp(&guid, expected.value_or(before).data(), sizeof guid) == 0);
     return 0;
 }

@@ -8,9 +8,10 @@ class LYRSysTSMetaClassBase;
 namespace lyr {
 
 /// The answers that the factory tables of all classes have given lately, so that a request which is
-/// made over and over finds its answer without the lock and the search of a table. The answer of
-/// a search never changes while its meta-object lives; the tables stay the truth, and what is
-/// pushed out of here is found there again. Any thread may call at any time.
+/// made over and over finds its answer without the lock and the search of a table. An answer never
+/// changes while its meta-object lives, unless _AddInterfaceFactory adds another one for its id,
+/// and then either will do; the tables stay the truth, and what is pushed out of here is found
+/// there again. Any thread may call at any time.
 class FactoryCache {
 public:
     FactoryCache() = delete;

@@ -60,7 +60,7 @@ LYRSysTSBaseUnknown* FindOrMakeKept(LYRSysTSBaseUnknown& object, const LYRSysTSM
     std::unique_ptr<LYRSysTSChainExtension> link(new (std::nothrow)
                                                      LYRSysTSChainExtension(instance.get()));
     if (link == nullptr) return nullptr;
-    // Not before: one that is thrown away has nothing to do with the object.
+    // Not before: one that is thrown away above has nothing to do with the object.
     SetExtended(*instance, object);
     if (now.last == nullptr) {
         ObjectAccess::SetChain(object, link.get());

@@ -152,7 +152,8 @@ void* LYRThrLibraryManager::LoadLibrary(const char* name) {
 }
 
 void LYRThrLibraryManager::AwaitLoads() {
-    // The loader makes one load at a time, initialisers included. This asks for the program itself.
+    // The loader makes one load at a time, initialisers included, and this call, which asks for the
+    // program itself, takes its turn.
     ::dlopen(nullptr, RTLD_NOW | RTLD_LOCAL | RTLD_NOLOAD);
 }
 

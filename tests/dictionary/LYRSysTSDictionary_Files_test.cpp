@@ -15,3 +15,15 @@ TEST(DictionaryFiles, EveryRequestAsksAgainUntilThePathIsSetAndNotBanned) {
     ::unsetenv("LYRDictionaryPath");
     ExpectErrors("", request);
 }
+
+TEST(DictionaryFiles, TheStepsOfTheScanAnswerOutsideItToo) {
+    struct : LYRSysTSDictionaryReader {
+        HRESULT PutInfo(char**, int, const char*, int) override { return E_FAIL; }
+    } refuser;
+    const TempDirectory files;
+    const std::string path = files.Write("a.dicts", "C I L\n");
+    EXPECT_EQ(Dictionary::_ReadDictionary(path.c_str(), &refuser), E_FAIL);
+    EXPECT_EQ(Dictionary::_ReadDictionary(nullptr, &refuser), E_FAIL);
+    EXPECT_EQ(Dictionary::_ReadDictionary(path.c_str(), nullptr), E_FAIL);
+    EXPECT_EQ(Dictionary::_DicoIsAlreadyRead("a.dicts"), 0);
+}

@@ -12,6 +12,7 @@ TEST(LYRThrLibraryManager, FindsOnlyWhatTheLibraryItselfDefines) {
     EXPECT_EQ(reinterpret_cast<int (*)()>(find("PlatformUser", "PlatformAnswer"))(), 42);
     EXPECT_EQ(*static_cast<void**>(find("PlatformUser", "PlatformEarly")),
               find("PlatformProvider", "PlatformProvided"));
+    EXPECT_TRUE(*static_cast<const bool*>(find("PlatformUser", "PlatformIsAwaited")));
     for (const char* symbol : {"PlatformProvided", "malloc", "PlatformMissing"}) {
         EXPECT_EQ(find("PlatformUser", symbol), nullptr);
         EXPECT_NE(Manager::LastFailure().find(symbol), std::string::npos);

@@ -20,7 +20,8 @@ mkdir "$work/pkg-config"
 cd "$work/pkg-config"
 PKG_CONFIG_PATH=$(dirname "$(find "$prefix" -name LYRComponentModel.pc)")
 export PKG_CONFIG_PATH
-read -ra flags <<<"$(pkg-config --cflags LYRComponentModel) -I$source/../support"
+read -ra flags <<<"$(pkg-config --cflags LYRComponentModel)"
+flags+=("-I$source/../support")
 read -ra libs <<<"$(pkg-config --libs LYRComponentModel)"
 "$compiler" -std=c++17 -shared -fPIC "${flags[@]}" "$source/Greeter.cpp" "${libs[@]}" -o libGreeter.so
 "$compiler" -std=c++17 "${flags[@]}" "$source/main.cpp" "${libs[@]}" -o greet
