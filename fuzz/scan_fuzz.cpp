@@ -95,11 +95,10 @@ static Facts Collect() {
         const auto& [clsid, name, library] = *link.record;
         facts[{"class", BytesOf(clsid)}] = {name, TextOf(library)};
     };
-    const std::size_t count =
-        Walk<DicEntryLink>(kEntriesByName, addEntry) +
-        Walk<IIDNameLink>("_ZN19LYRSysTSDicoIIDName13_IIDNameByIIDE", addIid, 1024) +
-        Walk<IIDNameLink>("_ZN19LYRSysTSDicoIIDName14_IIDNameByNameE", addInterface, 1024) +
-        Walk<CLSIDNameLink>("_ZN21LYRSysTSDicoCLSIDName17_CLSIDNameByCLSIDE", addClass, 1024);
+    const std::size_t count = Walk<DicEntryLink>(kEntriesByName, addEntry) +
+                              Walk<IIDNameLink>(kInterfacesById, addIid, 1024) +
+                              Walk<IIDNameLink>(kInterfacesByName, addInterface, 1024) +
+                              Walk<CLSIDNameLink>(kClassesById, addClass, 1024);
     Require(count == facts.size());
     return facts;
 }

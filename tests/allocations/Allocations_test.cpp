@@ -113,6 +113,9 @@ static const Row kRows[] = {
     {"Extension", kThrows | kPartly,
      ASK(Dictionary::FindOrCreateMetaObject(kName, KeptExtension, &kId, nullptr, "Other")), Nothing,
      Extends},
+    {"TakenId", kThrows | kPartly,
+     ASK(Dictionary::FindOrCreateMetaObject(kName, KeptExtension, &kId, nullptr, "Other")),
+     [] { Class("Taker", PlainClass, nullptr, 1); }, Extends},
     {"RememberFactory", kPlain, DO(meta->_AddInterfaceFactory(kIid, Creator(1))), Gadget,
      [] { return meta->_GetInterfaceFactory(kIid) == Creator(1); }},
     {"SearchExtension", kPartly | kLoose, ASK(Search(0)), Gadget,
@@ -197,7 +200,11 @@ static int Attempt(const Row& row, const Failures& armed) {
         while (object != nullptr && object->Release() != 0) continue;
     }).join();
     object = nullptr;
-    if (armed.next == 0) std::ofstream(directory + "/left", std::ios::binary) << Contents();
+    if (armed.next == 0) {
+        std::ofstream(directory + "/left", std::ios::binary) << Contents();
+        std::ofstream(directory + "/mustBeSaid", std::ios::binary) << Read("/said");
+    }
+    EXPECT_NE(Read("/said").find(Read("/mustBeSaid")), std::string::npos);
     EXPECT_TRUE((row.kinds & kLoose) != 0 || Contents() == Read("/left"));
     // What a failure has lost shows as a leak, what it has freed too early as a use of it.
     Dictionary::_DeleteDictionary(), LYRSysTSMetaClassBase::Destruct();
