@@ -5,7 +5,8 @@
 
 extern "C" int LLVMFuzzerTestOneInput(const char* data, std::size_t size);
 
-int main(int, char** arguments) {
+int main(int count, char** arguments) {
+    if (count != 2) return 2;
     std::ifstream stream(arguments[1], std::ios::binary);
     const std::string input(std::istreambuf_iterator<char>(stream), {});
     return stream.is_open() ? LLVMFuzzerTestOneInput(input.data(), input.size()) : 1;

@@ -7,6 +7,7 @@
 
 namespace lyr {
 
+/// The number that begins at any byte, aligned or not.
 template <typename Number>
 Number LoadNumber(const char* bytes) noexcept {
     Number number;
