@@ -45,7 +45,10 @@ public:
     virtual ~LYRSysTSBaseUnknown();
 
     /// Takes and gives back the object's lock. Only for an object built thread-safe. (An object
-    /// without a lock is not locked at all, which the compiler's analysis cannot follow.)
+    /// without a lock is not locked at all, which the compiler's analysis cannot follow.) Lock
+    /// throws std::system_error instead of taking the 2^16th nested hold, and so does every
+    /// operation that takes the lock. Who locks an extension and uses the object that it extends
+    /// locks that one first: factories run under its lock and use extensions.
     void Lock() LYR_NO_THREAD_SAFETY_ANALYSIS;
     void Unlock() LYR_NO_THREAD_SAFETY_ANALYSIS;
 
@@ -66,9 +69,9 @@ public:
 private:
     friend struct lyr::ObjectAccess;
 
-    LYR_LOCAL std::uint32_t _RaiseCount();
-    LYR_LOCAL std::uint32_t _LowerCount();
-    LYR_LOCAL void _DeleteChain();
+    LYR_LOCAL std::uint32_t RaiseCount();
+    LYR_LOCAL std::uint32_t LowerCount();
+    LYR_LOCAL void DeleteChain();
 
     LYRSmartMutex _mutex;  // guards the other fields, in an object that has a lock
     std::uint32_t _refCount;

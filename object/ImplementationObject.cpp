@@ -29,18 +29,20 @@ KeptSearch FindKept(const LYRSysTSBaseUnknown& object, const LYRSysTSMetaClass* 
     return search;
 }
 
-/// Ties a new instance to the object that it extends. One whose own class is no extension keeps
-/// its link, which would mean a chain there.
-void SetExtended(LYRSysTSBaseUnknown& instance, LYRSysTSBaseUnknown& extended) {
-    if (ToExtension(instance.GetMetaObject()) != nullptr) {
-        ObjectAccess::SetExtended(instance, &extended);
-    }
+/// A new instance of an extension of the kind; null when the function makes none, or one of another
+/// class, whose author has forgotten to say which: it would count, and die, for itself.
+std::unique_ptr<LYRSysTSBaseUnknown> Make(LYRSysTSTypeOfClass type,
+                                          LYRSysTSBaseUnknown* (*create)()) {
+    std::unique_ptr<LYRSysTSBaseUnknown> instance(create != nullptr ? create() : nullptr);
+    if (instance == nullptr) return nullptr;
+    LYRSysTSMetaClassExt* const extension = ToExtension(instance->GetMetaObject());
+    if (extension == nullptr || extension->GetExtensionType() != type) return nullptr;
+    return instance;
 }
 
 LYRSysTSBaseUnknown* MakeTransient(LYRSysTSBaseUnknown& object, LYRSysTSBaseUnknown* (*create)()) {
-    if (create == nullptr) return nullptr;
-    std::unique_ptr<LYRSysTSBaseUnknown> instance(create());
-    if (instance != nullptr) SetExtended(*instance, object);
+    std::unique_ptr<LYRSysTSBaseUnknown> instance = Make(TransientExtension, create);
+    if (instance != nullptr) ObjectAccess::SetExtended(*instance, &object);
     return instance.release();
 }
 
@@ -50,8 +52,7 @@ LYRSysTSBaseUnknown* FindOrMakeKept(LYRSysTSBaseUnknown& object, const LYRSysTSM
     if (ToExtension(object.GetMetaObject()) != nullptr) return nullptr;
     if (const KeptSearch known = FindKept(object, metaClass); known.found) return known.found;
 
-    if (create == nullptr) return nullptr;
-    std::unique_ptr<LYRSysTSBaseUnknown> instance(create());
+    std::unique_ptr<LYRSysTSBaseUnknown> instance = Make(KeptExtension, create);
     if (instance == nullptr) return nullptr;
     // Searched again: the creation function may have asked for extensions of the same object.
     const KeptSearch now = FindKept(object, metaClass);
@@ -61,7 +62,7 @@ LYRSysTSBaseUnknown* FindOrMakeKept(LYRSysTSBaseUnknown& object, const LYRSysTSM
                                                      LYRSysTSChainExtension(instance.get()));
     if (link == nullptr) return nullptr;
     // Not before: one that is thrown away above has nothing to do with the object.
-    SetExtended(*instance, object);
+    ObjectAccess::SetExtended(*instance, &object);
     if (now.last == nullptr) {
         ObjectAccess::SetChain(object, link.get());
     } else if (now.last->SetNextChainExtension(link.get()) != S_OK) {
@@ -69,6 +70,14 @@ LYRSysTSBaseUnknown* FindOrMakeKept(LYRSysTSBaseUnknown& object, const LYRSysTSM
     }
     static_cast<void>(link.release());
     return instance.release();
+}
+
+/// What an extension extends in the end, a component; null for a component.
+LYRSysTSBaseUnknown* RootOf(const LYRSysTSBaseUnknown& object) {
+    LYRSysTSBaseUnknown* const extended = Counting(object).extended;
+    if (extended == nullptr) return nullptr;
+    LYRSysTSBaseUnknown* const root = RootOf(*extended);
+    return root != nullptr ? root : extended;
 }
 
 bool IsOfClass(const LYRSysTSBaseUnknown& object, const LYRSysTSMetaClass* metaClass) {
@@ -86,6 +95,8 @@ LYRSysTSBaseUnknown* FindOrMakeImplementation(LYRSysTSBaseUnknown* object,
     LYRSysTSMetaClassExt* const extension = ToExtension(metaClass);
     if (extension == nullptr) return IsOfClass(*object, metaClass) ? object : nullptr;
 
+    // The component's first, as factories hold it while they use its extensions.
+    const ObjectLock rootLock(RootOf(*object));
     const ObjectLock lock(object);
     switch (extension->GetExtensionType()) {
         case TransientExtension:

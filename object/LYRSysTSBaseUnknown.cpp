@@ -53,44 +53,46 @@ HRESULT LYRSysTSBaseUnknown::QueryInterface(const GUID& iid, void** out) {
 
 std::uint32_t LYRSysTSBaseUnknown::AddRef() {
     const lyr::Counting counting(*this);
-    if (counting.isKept) return counting.extended->AddRef();
-    const std::uint32_t count = _RaiseCount();
-    if (counting.extended != nullptr) counting.extended->AddRef();
+    if (counting.by == lyr::CountedBy::kExtended) return counting.extended->AddRef();
+    const std::uint32_t count = RaiseCount();
+    if (counting.by == lyr::CountedBy::kBoth) counting.extended->AddRef();
     return count;
 }
 
 std::uint32_t LYRSysTSBaseUnknown::Release() {
     const lyr::Counting counting(*this);
-    if (counting.isKept) return counting.extended->Release();
-    const std::uint32_t count = _LowerCount();
+    if (counting.by == lyr::CountedBy::kExtended) return counting.extended->Release();
+    const std::uint32_t count = LowerCount();
     if (count == 0) {
-        if (counting.extended == nullptr) _DeleteChain();
+        if (counting.by == lyr::CountedBy::kItself) DeleteChain();
         delete this;
     }
-    if (counting.extended != nullptr) counting.extended->Release();
+    if (counting.by == lyr::CountedBy::kBoth) counting.extended->Release();
     return count;
 }
 
-std::uint32_t LYRSysTSBaseUnknown::_RaiseCount() {
+std::uint32_t LYRSysTSBaseUnknown::RaiseCount() {
     const lyr::ObjectLock lock(this);
     return ++_refCount;
 }
 
-std::uint32_t LYRSysTSBaseUnknown::_LowerCount() {
+std::uint32_t LYRSysTSBaseUnknown::LowerCount() {
     const lyr::ObjectLock lock(this);
     return --_refCount;
 }
 
-// The references to a kept extension are counted on this object, so its own count is not asked.
-void LYRSysTSBaseUnknown::_DeleteChain() {
-    LYRSysTSChainExtension* link = lyr::ObjectAccess::Chain(*this);
-    if (link == nullptr) return;
-    lyr::ObjectAccess::SetChain(*this, nullptr);
-    while (link != nullptr) {
-        const std::unique_ptr<LYRSysTSChainExtension> current(link);
-        link = current->GetNextChainExtension();
-        LYRSysTSBaseUnknown* extension = nullptr;
-        if (current->GetAssociatedExtension(extension) == S_OK) delete extension;
+// The references to a kept extension are counted on this object, so its own count is not asked. One
+// that is deleted may have another one made for the object: the chain is looked at until it is
+// empty.
+void LYRSysTSBaseUnknown::DeleteChain() {
+    while (LYRSysTSChainExtension* link = lyr::ObjectAccess::Chain(*this)) {
+        lyr::ObjectAccess::SetChain(*this, nullptr);
+        while (link != nullptr) {
+            const std::unique_ptr<LYRSysTSChainExtension> current(link);
+            link = current->GetNextChainExtension();
+            LYRSysTSBaseUnknown* extension = nullptr;
+            if (current->GetAssociatedExtension(extension) == S_OK) delete extension;
+        }
     }
 }
 

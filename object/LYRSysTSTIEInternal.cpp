@@ -5,6 +5,7 @@
 
 namespace {
 
+using lyr::CountedBy;
 using lyr::Counting;
 
 // An object's lock is taken before the locks of its extensions: a factory that runs under it may
@@ -16,7 +17,7 @@ using lyr::Counting;
 int ReleaseBoth(int& tieCount, LYRSysTSBaseUnknown* object) {
     const Counting counting(*object);
     int count = 0;
-    if (counting.extended != nullptr && !counting.isKept) {
+    if (counting.by == CountedBy::kBoth) {
         {
             const lyr::ObjectLock lock(object);
             count = --tieCount;
@@ -53,7 +54,7 @@ HRESULT LYRSysTSTIEInternal::Tie_Query(LYRSysTSBaseUnknown* object, const GUID& 
 int LYRSysTSTIEInternal::Tie_AddRef(int& tieCount, LYRSysTSBaseUnknown* object) {
     if (object == nullptr) return 0;
     const Counting counting(*object);
-    if (counting.extended != nullptr && !counting.isKept) {
+    if (counting.by == CountedBy::kBoth) {
         object->AddRef();
         const lyr::ObjectLock lock(object);
         return ++tieCount;

@@ -49,9 +49,15 @@ struct ObjectAccess {
 };
 
 /// Who counts the references to an object.
+enum class CountedBy {
+    kItself,    ///< it extends nothing
+    kBoth,      ///< itself and, each its own, the object that it extends
+    kExtended,  ///< the object that it extends, in its place: it is a kept extension
+};
+
 struct Counting {
-    LYRSysTSBaseUnknown* extended = nullptr;  // what it extends; null: it counts for itself alone
-    bool isKept = false;  // `extended` counts in its place; else both count, each its own
+    CountedBy by = CountedBy::kItself;
+    LYRSysTSBaseUnknown* extended = nullptr;  // null: counted by itself
 
     // Without a link it extends nothing, whatever its kind: most objects are answered by that.
     explicit Counting(const LYRSysTSBaseUnknown& object) {
@@ -59,7 +65,8 @@ struct Counting {
         LYRSysTSMetaClassExt* const extension = ToExtension(object.GetMetaObject());
         if (extension == nullptr) return;
         extended = ObjectAccess::Extended(object);
-        isKept = extension->GetExtensionType() == KeptExtension;
+        const bool isKept = extension->GetExtensionType() == KeptExtension;
+        by = isKept ? CountedBy::kExtended : CountedBy::kBoth;
     }
 };
 

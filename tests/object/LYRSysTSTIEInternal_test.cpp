@@ -42,6 +42,33 @@ TEST(Construction, FindsOrMakesTheObjectThatImplementsTheClass) {
     }
 }
 
+/// A kept extension that has another one made while the object dies.
+struct LastWill : PlainObject {
+    LastWill() : PlainObject(true, Class("LastWill")) {}
+    ~LastWill() override { MakeTie(object, Class("Kept"), &TestObject::MakeKept); }
+};
+
+/// One whose author has forgotten to say that it is an extension.
+struct Forgetful : PlainObject {
+    Forgetful() : PlainObject(true, Impl("Forgetful")) {}
+    ~Forgetful() override { TestObject::ends += IsA(); }
+};
+
+TEST(Construction, RefusesAnInstanceOfAnotherKindAndDeletesWhatIsMadeInTheEnd) {
+    object = new TestObject(true, Impl("Gadget"));
+    const auto forgetful = []() -> Object* { return new Forgetful; };
+    for (auto* meta : {Class("Kept", KeptExtension), Class("Transient", TransientExtension)}) {
+        EXPECT_EQ(MakeTie(object, meta, forgetful), nullptr);
+        const bool isKept = meta == Class("Kept");
+        EXPECT_EQ(MakeTie(object, meta, isKept ? &MakeTransient : &TestObject::MakeKept), nullptr);
+    }
+    EXPECT_EQ(std::exchange(TestObject::ends, ""), "ForgetfulTransientForgetfulKept");
+    const auto make = []() -> Object* { return new LastWill; };
+    EXPECT_NE(MakeTie(object, Class("LastWill", KeptExtension), make), nullptr);
+    EXPECT_EQ(object->Release(), 0U);
+    EXPECT_EQ(TestObject::ends, "KeptGadget");
+}
+
 TEST(Tie, CountsWithItsObjectUntilTheLastRelease) {
     for (int bits = 0; bits < 4; ++bits) {
         object = new TestObject(bits % 2 != 0, Impl("Gadget"));
@@ -63,15 +90,20 @@ TEST(Tie, CountsWithItsObjectUntilTheLastRelease) {
 TEST(Tie, TakesTheLockOfTheExtendedObjectFirst) {  // seen by the thread sanitizer
     object = new TestObject(true, Impl("Gadget"));
     Object* transient = MakeTie(object, Class("Transient", TransientExtension), &MakeTransient);
+    Object* kept = MakeTie(object, Class("Kept", KeptExtension), &TestObject::MakeKept);
+    const auto makeAsking = [] { return object->AddRef(), object->Release(), MakeTransient(); };
+    object->AddRef(), MakeTie(kept, Class("Transient"), makeAsking)->Release();
     int count = 1;
     unsigned char deletes = 0;
     const auto release = [&] { return Tie::Tie_Release(count, transient, deletes); };
     Tie::Tie_AddRef(count, transient);
-    object->Lock();  // as around a factory, which may use a TIE over an extension
+    object->Lock();  // as around a factory, which may use extensions
     Tie::Tie_AddRef(count, transient);
+    kept->Lock(), kept->Unlock();
     object->Unlock();
     EXPECT_EQ((Numbers{release(), release(), release()}), (Numbers{2, 1, 0}));
-    EXPECT_TRUE(deletes == 1 && transient == nullptr && TestObject::ends == "TransientGadget");
+    EXPECT_TRUE(deletes == 1 && transient == nullptr &&
+                TestObject::ends == "TransientTransientKeptGadget");
 }
 
 TEST(ChainLink, TakesOneNextLinkThatHasNone) {
