@@ -1,14 +1,10 @@
 #include "LYRSmartMutex.h"
+#include "OnlyThread.h"
 #include "Sleepers.h"
 
 #include <atomic>
 #include <cstdint>
 #include <system_error>
-
-#if __has_include(<sys/single_threaded.h>)
-#include <sys/single_threaded.h>
-#define LYR_KNOWS_SINGLE_THREAD 1
-#endif
 
 #if defined(__has_feature)
 #if __has_feature(thread_sanitizer)
@@ -63,24 +59,14 @@ State Self() {
     return reinterpret_cast<std::uintptr_t>(__builtin_thread_pointer()) & kHolder;
 }
 
-/// Whether no other thread can come in between, so that a plain store does what an exchange does.
-bool IsOnlyThread() {
-#if defined(LYR_KNOWS_SINGLE_THREAD)
-    return __libc_single_threaded != 0;
-#else
-    return false;
-#endif
-}
-
-/// Makes an unlocked word that of `held`; otherwise false, with what stands there in `seen`.
-bool Take(std::atomic<State>& word, State unlocked, State held, State& seen) {
-    seen = unlocked;
-    if (!IsOnlyThread()) {
-        return word.compare_exchange_strong(seen, held, std::memory_order_acquire,
+/// Makes the word of a free lock that of `held`; false when it is another one. Where no other
+/// thread can come in between, a plain store does what an exchange does.
+bool Take(std::atomic<State>& word, State free, State held) {
+    if (!lyr::IsOnlyThread()) {
+        return word.compare_exchange_strong(free, held, std::memory_order_acquire,
                                             std::memory_order_relaxed);
     }
-    seen = word.load(std::memory_order_relaxed);
-    if (seen != unlocked) return false;
+    if (word.load(std::memory_order_relaxed) != free) return false;
     word.store(held, std::memory_order_relaxed);
     return true;
 }
@@ -161,17 +147,17 @@ LYRMutex::~LYRMutex() {
 }
 
 void LYRMutex::LockF() LYR_NO_THREAD_SAFETY_ANALYSIS {
+    const State seen = _state.load(std::memory_order_relaxed);
+    if ((seen & kLock) == 0) return;
     const State self = Self();
-    State seen = _state.load(std::memory_order_relaxed);
-    if (kAnnotated && (seen & kLock) == 0) return;
     const bool nests = (seen & kHolder) == self;
     if (nests) ThrowUnlessOneMoreNests(seen);
     BeforeLock(this);
     bool locked = true;
     if (nests) {
         _state.store(seen + kOneNested, std::memory_order_relaxed);
-    } else if (!Take(_state, kLock, kLock | self, seen)) {
-        locked = (seen & kLock) != 0 && AcquireSlowly(kLock | self);
+    } else {
+        locked = Take(_state, kLock, kLock | self) || AcquireSlowly(kLock | self);
     }
     AfterLock(this, locked);
 }
@@ -181,9 +167,9 @@ bool LYRMutex::AcquireSlowly(State held) {
     const auto isHeld = [](State state) { return (state & kLock) != 0 && (state & kHolder) != 0; };
     for (;;) {
         for (int pauses = 1; pauses <= kMostPauses; pauses *= 2) {
-            State seen = _state.load(std::memory_order_relaxed);
+            const State seen = _state.load(std::memory_order_relaxed);
             if ((seen & kLock) == 0) return false;
-            if (!isHeld(seen) && Take(_state, kLock, held, seen)) return true;
+            if (!isHeld(seen) && Take(_state, kLock, held)) return true;
             for (int i = 0; i < pauses; ++i) Pause();
         }
         Sleepers::Of(_state).Sleep(_state, isHeld);

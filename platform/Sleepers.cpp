@@ -56,21 +56,27 @@ constinit Sleepers Sleepers::_all[kCount];
 static_assert(std::is_trivially_destructible_v<Sleepers>, "locks are used until the very end");
 
 void Sleepers::Sleep(const Word& word, bool (*isHeld)(std::uint64_t state)) {
-    // When memory is out, a child forgets nobody.
-    [[maybe_unused]] static const int registered = ::pthread_atfork(nullptr, nullptr, &ForgetAll);
     const Uncancelled uncancelled;
     Sleeper self{&word};
-    const auto isWoken = [&self] { return self.woken; };
     std::unique_lock<std::mutex> guard(_mutex);
     Append(self);
-    if (isHeld(word.load(std::memory_order_seq_cst)) &&
-        !self.wake.wait_for(guard, std::chrono::milliseconds(1), isWoken)) {
-        guard.unlock();
-        const bool passed = PassBarrierInAllThreads();
-        guard.lock();
-        if (passed && isHeld(word.load(std::memory_order_relaxed))) self.wake.wait(guard, isWoken);
-    }
+    const bool mustSleep = isHeld(word.load(std::memory_order_seq_cst));
+    if (mustSleep && !SleepBriefly(self, guard)) SleepForGood(self, guard, isHeld);
     if (!self.woken) Remove([&self](const Sleeper& sleeper) { return &sleeper == &self; });
+}
+
+bool Sleepers::SleepBriefly(Sleeper& self, std::unique_lock<std::mutex>& guard) {
+    const auto isWoken = [&self] { return self.woken; };
+    return self.wake.wait_for(guard, std::chrono::milliseconds(1), isWoken);
+}
+
+void Sleepers::SleepForGood(Sleeper& self, std::unique_lock<std::mutex>& guard,
+                            bool (*isHeld)(std::uint64_t state)) {
+    guard.unlock();
+    const bool passed = PassBarrierInAllThreads();
+    guard.lock();
+    if (!passed || !isHeld(self.word->load(std::memory_order_relaxed))) return;
+    self.wake.wait(guard, [&self] { return self.woken; });
 }
 
 bool Sleepers::WakeOne(const Word& word) {
@@ -80,6 +86,12 @@ bool Sleepers::WakeOne(const Word& word) {
     woken->woken = true;
     woken->wake.notify_one();  // under the mutex: the sleeper dies as soon as it has it
     return true;
+}
+
+// While the library loads: a fork that has begun calls no handler that is registered meanwhile.
+// When memory is out, a child forgets nobody.
+void Sleepers::RegisterWithFork() {
+    ::pthread_atfork(nullptr, nullptr, &ForgetAll);
 }
 
 void Sleepers::ForgetAll() {

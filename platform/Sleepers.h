@@ -55,6 +55,13 @@ private:
     /// In the child of a fork, which has none of the threads that slept, and where one of them may
     /// have held a mutex of the table.
     static void ForgetAll();
+    [[gnu::constructor]] static void RegisterWithFork();
+
+    /// Waits for a moment; whether it was woken.
+    static bool SleepBriefly(Sleeper& self, std::unique_lock<std::mutex>& guard);
+    /// Waits for as long as it takes, after the barrier.
+    static void SleepForGood(Sleeper& self, std::unique_lock<std::mutex>& guard,
+                             bool (*isHeld)(std::uint64_t state));
 
     void Append(Sleeper& sleeper);
     template <typename Test>
