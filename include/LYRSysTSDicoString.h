@@ -52,7 +52,7 @@ public:
 
 private:
     // Room for one copy, in a new block where the current one has too little; null without memory.
-    LYR_LOCAL static char* _TakeRoom(std::int32_t size) LYR_REQUIRES(GetGlobalStringDicoMutex());
+    LYR_LOCAL static char* TakeRoom(std::int32_t size) LYR_REQUIRES(GetGlobalStringDicoMutex());
 
     static DicoStringNode* _DicoString[4096] LYR_GUARDED_BY(GetGlobalStringDicoMutex());
     static std::atomic<bool> _DictionaryCleared;

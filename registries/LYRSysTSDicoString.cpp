@@ -69,7 +69,7 @@ const char* LYRSysTSDicoString::AddStringInDico(const char* s) {
     });
 
     if (!nodes.Reserve() || !stringIndex.Reserve()) return nullptr;
-    char* const copy = _TakeRoom(length + 1);
+    char* const copy = TakeRoom(length + 1);
     if (copy == nullptr) return nullptr;
     std::memcpy(copy, s, text.size() + 1);
     *slot.place = nodes.Make({slot.link, copy, length});
@@ -77,7 +77,7 @@ const char* LYRSysTSDicoString::AddStringInDico(const char* s) {
     return copy;
 }
 
-char* LYRSysTSDicoString::_TakeRoom(std::int32_t size) {
+char* LYRSysTSDicoString::TakeRoom(std::int32_t size) {
     if (_SizeStringForDicoAvailable < size) {
         auto* const block = static_cast<DicoStringBlock*>(std::malloc(sizeof(DicoStringBlock)));
         if (block == nullptr) return nullptr;
@@ -109,6 +109,7 @@ void LYRSysTSDicoString::_ClearDictionary() {
 
 void LYRSysTSDicoString::_FreeDictionary() {
     const lyr::MutexGuard guard(*GetGlobalStringDicoMutex());
+    stringIndex.Clear();  // first, since what it finds lies in the blocks
     for (DicoStringBlock* block = _HeadBlocStringForDico; block != nullptr;) {
         DicoStringBlock* const next = block->next;
         std::free(block);
@@ -118,7 +119,6 @@ void LYRSysTSDicoString::_FreeDictionary() {
     _LastBlocStringForDico = nullptr;
     _StringForDicoAvailable = nullptr;
     _SizeStringForDicoAvailable = 0;
-    stringIndex.Clear();
     lyr::ClearHeads(_DicoString);
     nodes.Clear();
 }

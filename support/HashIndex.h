@@ -48,7 +48,8 @@ public:
         Slots* const slots = _slots.load(std::memory_order_relaxed);
         if (slots == nullptr) return Grow(nullptr, kFirstGroups);
         const std::size_t groups = slots->mask + 1;
-        return (_count + 1) * 3 <= groups * kGroup * 2 || Grow(slots, groups * 2);
+        if ((_count + 1) * 3 <= groups * kGroup * 2 || Grow(slots, groups * 2)) return true;
+        return _count + 1 < groups * kGroup;  // a search ends at a free slot, so one stays free
     }
 
     /// Adds a node, after Reserve.
