@@ -1,11 +1,11 @@
 #include "dictionary/Addition.h"
 
+#include "dictionary/Messages.h"
 #include "registries/Intern.h"
-#include "support/MemoryShortage.h"
 #include "support/MutexGuard.h"
+#include "support/Shortage.h"
 #include "support/Text.h"
 
-#include <cstdio>
 #include <cstring>
 #include <new>
 
@@ -113,9 +113,13 @@ void Addition::Commit() {
     static_cast<void>(_newRecord.release());
 }
 
-void PairedAddition::Make(bool withIds, int& refusals) {
-    if (withIds && !byIds.Prepare(byNames.Existing())) ++refusals;
-    if (!byNames.Prepare(byIds.Record())) ++refusals;
+Refusals::~Refusals() {
+    for (; count > 0; --count) Say("Problem allocating structure dico\n");
+}
+
+void PairedAddition::Make(Refusals& refusals) {
+    if (!byIds.Prepare(byNames.Existing())) ++refusals.count;
+    if (!byNames.Prepare(byIds.Record())) ++refusals.count;
     // The names bring the library, the ids a creator.
     byNames.Commit();
     byIds.Commit();
@@ -124,19 +128,17 @@ void PairedAddition::Make(bool withIds, int& refusals) {
 LYRSysTSInfoDic* Add(Addition& addition, LYRSysTSInfoDic* info) {
     if (DictionaryTables::Deleted()) return nullptr;
     DictionaryTables::EnsureCleared();
-    try {
-        const MutexGuard guard(*GetGlobalDicoMutex());
-        if (DictionaryTables::Deleted()) return nullptr;
-        if (addition.Prepare(info)) addition.Commit();
-    } catch (const std::bad_alloc&) {
-        ++memoryShortages;
+    Refusals refusals;
+    const MutexGuard guard(*GetGlobalDicoMutex());
+    if (DictionaryTables::Deleted()) return nullptr;
+    const auto prepare = [&]()
+                             LYR_REQUIRES(GetGlobalDicoMutex()) { return addition.Prepare(info); };
+    if (RefuseOnShortage(false, prepare)) {
+        addition.Commit();
+    } else {
+        ++refusals.count;
     }
-    if (addition.Record() == nullptr) SayRefused(1);
     return addition.Record();
-}
-
-void SayRefused(int times) {
-    for (; times > 0; --times) std::fputs("Problem allocating structure dico\n", stderr);
 }
 
 }  // namespace lyr

@@ -48,24 +48,31 @@ private:
     bool _isNew = false;  // the table does not have it yet
 };
 
+/// Says at its end, on standard error, how many additions the dictionary has refused, also when its
+/// owner fails later on. It stands before the lock is taken, so that it speaks after it.
+struct Refusals {
+    int count = 0;
+
+    Refusals() = default;
+    ~Refusals();
+    Refusals(const Refusals&) = delete;
+    Refusals& operator=(const Refusals&) = delete;
+};
+
 /// The additions of one record by ids and by names, made together: others see no state between the
 /// two, and a creator never without the library that comes with it.
 struct PairedAddition {
     Addition byIds;
     Addition byNames;
 
-    /// Prepares both, the ids (unless left out) on the record that the names already have, the
-    /// names on the record of the ids, and then makes them. A half that is refused is left out and
-    /// counted in `refusals`. Throws std::bad_alloc with nothing else changed.
-    void Make(bool withIds, int& refusals) LYR_REQUIRES(GetGlobalDicoMutex());
+    /// Prepares both, the ids on the record that the names already have, the names on the record of
+    /// the ids, and then makes them. A half that is refused is left out and counted in `refusals`.
+    /// Throws std::bad_alloc with nothing else changed.
+    void Make(Refusals& refusals) LYR_REQUIRES(GetGlobalDicoMutex());
 };
 
 /// Makes one addition under the lock. Its record; null, and a word on standard error, when it is
 /// refused or memory is out; null without one when the dictionary is closed.
 LYRSysTSInfoDic* Add(Addition& addition, LYRSysTSInfoDic* info);
-
-/// Says on standard error, so many times, that the dictionary has refused an addition. Called
-/// without the lock.
-void SayRefused(int times);
 
 }  // namespace lyr

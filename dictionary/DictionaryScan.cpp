@@ -5,44 +5,45 @@
 #include "LYRSysTSIidReader.h"
 #include "LYRSysTSStrtok.h"
 #include "dictionary/DictionaryTables.h"
+#include "dictionary/Messages.h"
 #include "registries/Intern.h"
-#include "support/MemoryShortage.h"
+#include "support/Shortage.h"
 
 #include <cerrno>
 #include <cstdint>
 #include <cstdlib>
 #include <dirent.h>
-#include <new>
 #include <string>
 
 namespace lyr {
 
 namespace {
 
-constexpr std::size_t kReadFileBuckets = 2048;
+constexpr std::size_t kNameBuckets = 2048;
 
 /// The set of the file names that the scan has met, in its place while the scan runs.
-class ReadFiles {
+class MetNames {
 public:
-    ReadFiles() LYR_REQUIRES(GetGlobalDicoMutex()) {
-        DictionaryTables::ReadFiles() = new ReadFileLink* [kReadFileBuckets] {};
+    MetNames() LYR_REQUIRES(GetGlobalDicoMutex()) {
+        DictionaryTables::MetNames() = new ReadFileLink* [kNameBuckets] {};
     }
-    ~ReadFiles() LYR_REQUIRES(GetGlobalDicoMutex()) {
-        ReadFileLink**& heads = DictionaryTables::ReadFiles();
-        FreeChains(std::span(heads, kReadFileBuckets), [](ReadFileLink* link) { delete link; });
+    ~MetNames() LYR_REQUIRES(GetGlobalDicoMutex()) {
+        ReadFileLink**& heads = DictionaryTables::MetNames();
+        FreeChains(std::span(heads, kNameBuckets), [](ReadFileLink* link) { delete link; });
         delete[] heads;
         heads = nullptr;
     }
-    ReadFiles(const ReadFiles&) = delete;
-    ReadFiles& operator=(const ReadFiles&) = delete;
+    MetNames(const MetNames&) = delete;
+    MetNames& operator=(const MetNames&) = delete;
 };
 
-/// The dictionary files of a directory in sorted order; none when it cannot be listed.
+/// The dictionary files of a directory in sorted order; none when it cannot be listed, which is
+/// said only where it may be the next time.
 class Listing {
 public:
     explicit Listing(const char* directory)
         : _count(scandir(directory, &_entries, LYRSysTSDictionary::_FileSelection, alphasort)) {
-        if (_count < 0 && errno == ENOMEM) ++memoryShortages;
+        if (_count < 0 && CountShortage(errno)) SayFailure("scandir", directory, errno);
     }
     ~Listing() {
         for (dirent* const entry : *this) std::free(entry);
@@ -59,7 +60,7 @@ private:
     int _count;
 };
 
-void ReadFile(const std::string& path) {
+void ScanFile(const std::string& path) {
     LYRSysTSDicReader dicReader;
     LYRSysTSIidReader iidReader;
     LYRSysTSClsidReader clsidReader;
@@ -74,19 +75,62 @@ void ScanDirectory(const std::string& directory) LYR_REQUIRES(GetGlobalDicoMutex
     const Listing listing(directory.c_str());
     for (const dirent* entry : listing) {
         // Noted before it is opened: a file that cannot be read hides those of later directories.
-        if (!NoteReadFile(entry->d_name)) continue;
-        ReadFile(directory + "/" + entry->d_name);
+        if (!IsFirstOfItsName(entry->d_name)) continue;
+        ScanFile(directory + "/" + entry->d_name);
     }
+}
+
+/// Reads the dictionary files of the directories that `path` lists between colons. False when
+/// something was short on the way: what is registered stays, and a line may be missing.
+bool Scan(const char* path) LYR_REQUIRES(GetGlobalDicoMutex()) {
+    const unsigned before = shortages;
+    RefuseOnShortage(false, [=]() LYR_REQUIRES(GetGlobalDicoMutex()) {
+        const MetNames metNames;
+        std::string directories(path);
+        char* save = nullptr;
+        for (const char* directory = LYRSysTSStrtok(directories.data(), ":", &save);
+             directory != nullptr; directory = LYRSysTSStrtok(nullptr, ":", &save)) {
+            ScanDirectory(directory);
+        }
+        return true;
+    });
+    return shortages == before;
+}
+
+/// The directories that the environment names; null when it names none or forbids them.
+const char* DictionaryPath() {
+    if (std::getenv("LYRDictionaryNoPathNoFallback") != nullptr) return nullptr;
+    return std::getenv("LYRDictionaryPath");
+}
+
+/// EnsureDictionaryFilesAreRead, with what it has to say in `messages`.
+bool EnsureInSilence(std::vector<Message>& messages) {
+    static std::atomic<bool> DictionaryInitialized = false;
+    if (DictionaryInitialized) return true;
+    const MutexGuard guard(*GetGlobalDicoMutex());
+    if (DictionaryInitialized) return true;
+    // A set of names means that this very thread is scanning: a reader asks for more.
+    if (DictionaryTables::MetNames() != nullptr) return false;
+    DictionaryTables::EnsureCleared();
+    const KeepMessages keep(messages);
+    const char* const path = DictionaryPath();
+    if (path == nullptr) {
+        Say("Error in reading dictionaries : LYRDictionaryPath is not defined.\n");
+        return true;
+    }
+    if (!Scan(path)) return false;
+    DictionaryInitialized.exchange(true);
+    return true;
 }
 
 }  // namespace
 
-bool NoteReadFile(const char* name) {
+bool IsFirstOfItsName(const char* name) {
     const char* const internedName = InternText(name);
     if (internedName == nullptr) return true;
     ReadFileLink*& head =
-        DictionaryTables::ReadFiles()[reinterpret_cast<std::uintptr_t>(internedName) &
-                                      (kReadFileBuckets - 1)];
+        DictionaryTables::MetNames()[reinterpret_cast<std::uintptr_t>(internedName) &
+                                     (kNameBuckets - 1)];
     const auto slot =
         FindSlot(head, [=](const ReadFileLink& link) { return link.name == internedName; });
     if (slot.link != nullptr) return false;
@@ -94,20 +138,11 @@ bool NoteReadFile(const char* name) {
     return true;
 }
 
-bool ScanDictionaryFiles(const char* path) {
-    const unsigned shortages = memoryShortages;
-    try {
-        const ReadFiles readFiles;
-        std::string directories(path);
-        char* save = nullptr;
-        for (const char* directory = LYRSysTSStrtok(directories.data(), ":", &save);
-             directory != nullptr; directory = LYRSysTSStrtok(nullptr, ":", &save)) {
-            ScanDirectory(directory);
-        }
-    } catch (const std::bad_alloc&) {
-        ++memoryShortages;
-    }
-    return memoryShortages == shortages;
+bool EnsureDictionaryFilesAreRead() {
+    std::vector<Message> messages;
+    const bool areRead = EnsureInSilence(messages);
+    for (const Message& message : messages) message.Write();
+    return areRead;
 }
 
 }  // namespace lyr

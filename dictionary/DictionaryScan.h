@@ -4,13 +4,13 @@
 
 namespace lyr {
 
-/// Reads the dictionary files of the directories that `path` lists between colons. False when
-/// memory has run out on the way, or in another thread meanwhile: what is registered stays, and a
-/// line may be missing.
-bool ScanDictionaryFiles(const char* path) LYR_REQUIRES(GetGlobalDicoMutex());
+/// Reads the dictionary files, once per process: what LYRSysTSDictionary::EnsureInitDictionary
+/// documents. False when more of them may be read by the next call: memory or file descriptors were
+/// short, or this very thread is reading them.
+bool EnsureDictionaryFilesAreRead();
 
-/// Notes that the running scan has met a file of this name; false when it had before. A name that
+/// Notes a file name that the running scan meets; false when it has met the name before. One that
 /// is too long for the string store is never noted. Throws std::bad_alloc.
-bool NoteReadFile(const char* name) LYR_REQUIRES(GetGlobalDicoMutex());
+bool IsFirstOfItsName(const char* name) LYR_REQUIRES(GetGlobalDicoMutex());
 
 }  // namespace lyr

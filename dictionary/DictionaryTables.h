@@ -1,6 +1,7 @@
 #pragma once
 
 #include "LYRSysTSDictionary.h"
+#include "dictionary/PairKey.h"
 #include "support/AddressCast.h"
 #include "support/Chain.h"
 #include "support/HashIndex.h"
@@ -14,7 +15,7 @@ namespace lyr {
 /// One of the two tables of the dictionary, with what stands beside it.
 struct EntryTable {
     DicEntryLink** heads;
-    ChainTails<DicEntryLink, 4096> tails;
+    ChainTails<DicEntryLink, kPairBuckets> tails;
     NodePool<DicEntryLink> links;
     HashIndex<LYRSysTSInfoDic, Readers::kUnderLock> index;
 
@@ -33,7 +34,7 @@ struct EntryTable {
     void Clear(Dispose dispose) {
         index.Clear();
         tails.Clear();
-        FreeChains(std::span<DicEntryLink*, 4096>(heads, 4096),
+        FreeChains(std::span<DicEntryLink*, kPairBuckets>(heads, kPairBuckets),
                    [&](const DicEntryLink* link) { dispose(link->info); });
         links.Clear();
     }
@@ -88,7 +89,7 @@ struct DictionaryTables {
     }
 
     /// The names of the files that the running scan has met; null outside a scan.
-    static ReadFileLink**& ReadFiles() LYR_REQUIRES(GetGlobalDicoMutex()) {
+    static ReadFileLink**& MetNames() LYR_REQUIRES(GetGlobalDicoMutex()) {
         return LYRSysTSDictionary::_readDicFiles;
     }
 };

@@ -1,9 +1,8 @@
 #include "LYRSysTSDicReader.h"
 
 #include "LYRSysTSDictionary.h"
+#include "dictionary/Messages.h"
 #include "support/Text.h"
-
-#include <cstdio>
 
 namespace {
 
@@ -37,8 +36,7 @@ HRESULT LYRSysTSDicReader::PutInfo(char** words, int count, const char* path, in
     const char* itfLeaf = nullptr;
     const char* extendedBy = nullptr;
     if (!HasNames(words, count) || !ReadKeywords(words, count, itfLeaf, extendedBy)) {
-        std::fprintf(stderr, "Problem reading dico : %s line %d\n", lyr::TextOrNull(path),
-                     lineNumber);
+        lyr::Say("Problem reading dico : %s line %d\n", lyr::TextOrNull(path), lineNumber);
         return E_FAIL;
     }
     // The dictionary says itself when it refuses the entry, and the file is read on.

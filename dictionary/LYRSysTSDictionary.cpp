@@ -9,8 +9,8 @@
 
 #include <bit>
 
-constinit DicEntryLink* LYRSysTSDictionary::_dicByName[4096] = {};
-constinit DicEntryLink* LYRSysTSDictionary::_dicByGUID[4096] = {};
+constinit DicEntryLink* LYRSysTSDictionary::_dicByName[lyr::kPairBuckets] = {};
+constinit DicEntryLink* LYRSysTSDictionary::_dicByGUID[lyr::kPairBuckets] = {};
 constinit std::atomic<bool> LYRSysTSDictionary::_DictionaryCleared = false;
 constinit std::atomic<bool> LYRSysTSDictionary::_DictionaryDeleted = false;
 constinit ReadFileLink** LYRSysTSDictionary::_readDicFiles = nullptr;

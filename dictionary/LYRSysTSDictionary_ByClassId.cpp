@@ -7,10 +7,8 @@
 #include "dictionary/PairKey.h"
 #include "support/ByteSum.h"
 #include "support/GuidBytes.h"
-#include "support/MemoryShortage.h"
 #include "support/MutexGuard.h"
-
-#include <new>
+#include "support/Shortage.h"
 
 namespace {
 
@@ -41,26 +39,23 @@ LYRSysTSInfoDic* LYRSysTSDictionary::AddDictionaryTS(const GUID* clsid, const GU
     const bool hasIds = clsid != nullptr && iid != nullptr;
     const bool hasNames = className != nullptr && interfaceName != nullptr;
     if (!hasNames) return hasIds ? AddDictionaryTS(*clsid, *iid, creator, nullptr) : nullptr;
-    if (!hasIds) {
+    if (hasIds && load == 1) EnsureInitDictionary();
+    if (!hasIds || creator == nullptr) {
         return AddDictionaryTS(className, interfaceName, sharedLibrary, nullptr, nullptr, creator,
                                nullptr);
     }
 
-    if (load == 1) EnsureInitDictionary();
     lyr::DictionaryTables::EnsureCleared();
     lyr::PairedAddition both{{*clsid, *iid, creator},
                              {className, interfaceName, sharedLibrary, nullptr, nullptr, creator}};
-    int refusals = 0;
-    try {
-        const lyr::MutexGuard guard(*GetGlobalDicoMutex());
-        if (_DictionaryDeleted) return nullptr;
-        both.Make(creator != nullptr, refusals);
-    } catch (const std::bad_alloc&) {
-        ++lyr::memoryShortages;
-        lyr::SayRefused(refusals + 1);
-        return nullptr;
-    }
-    lyr::SayRefused(refusals);
+    lyr::Refusals refusals;
+    const lyr::MutexGuard guard(*GetGlobalDicoMutex());
+    if (_DictionaryDeleted) return nullptr;
+    const auto make = [&]() LYR_REQUIRES(GetGlobalDicoMutex()) {
+        both.Make(refusals);
+        return true;
+    };
+    if (!lyr::RefuseOnShortage(false, make)) ++refusals.count;
     return both.byNames.Record();
 }
 

@@ -2,24 +2,26 @@
 
 #include "LYRSysTSConvertStringToGUID.h"
 #include "LYRSysTSDicoIIDName.h"
+#include "dictionary/Messages.h"
+#include "support/MutexGuard.h"
 #include "support/Text.h"
-
-#include <cstdio>
 
 namespace {
 
-/// Says which of the two is taken, when the registry still tells.
-void ExplainConflict(const GUID& iid, const char* name) {
-    const char* const otherName = LYRSysTSDicoIIDName::QueryDicoIIDNameByIID(iid);
-    if (otherName != nullptr && !lyr::SameText(otherName, name)) {
-        std::fprintf(stderr, "The iid is already defined with interface name '%s'\n", otherName);
-        std::fputs("Check dictionaries.\n\n", stderr);
-        return;
-    }
-    const GUID* const otherId = LYRSysTSDicoIIDName::QueryDicoIIDNameByName(name);
-    if (otherId != nullptr && *otherId != iid) {
-        std::fputs("The interface name is already defined with another iid\n", stderr);
-    }
+/// What became of a pair, and if it was refused, the name that its id has, or the id that its name
+/// has, as far as the registry tells.
+struct Addition {
+    bool isRefused;
+    const char* otherName = nullptr;
+    const GUID* otherId = nullptr;
+};
+
+/// Under the dictionary's lock: the registry leaves it to its callers that one adds at a time.
+Addition Add(const GUID& iid, const char* name) {
+    using Registry = LYRSysTSDicoIIDName;
+    const lyr::MutexGuard guard(*GetGlobalDicoMutex());
+    if (Registry::AddDicoIIDName(iid, name) != 0) return {false};
+    return {true, Registry::QueryDicoIIDNameByIID(iid), Registry::QueryDicoIIDNameByName(name)};
 }
 
 }  // namespace
@@ -27,19 +29,26 @@ void ExplainConflict(const GUID& iid, const char* name) {
 HRESULT LYRSysTSIidReader::PutInfo(char** words, int count, const char* path, int lineNumber) {
     path = lyr::TextOrNull(path);
     if (words == nullptr || count != 2 || words[0] == nullptr || words[1] == nullptr) {
-        std::fprintf(stderr, "Error in IId dictionary %s line %d\n", path, lineNumber);
+        lyr::Say("Error in IId dictionary %s line %d\n", path, lineNumber);
         return E_FAIL;
     }
     GUID iid;
     if (LYRSysTSConvertStringToGUID(words[0], iid) != 0) {
-        std::fprintf(stderr, "Error in dictionary %s line %d\n", path, lineNumber);
-        std::fprintf(stderr, "Invalid iid :%s\n\n", words[0]);
+        lyr::Say("Error in dictionary %s line %d\nInvalid iid :%s\n\n", path, lineNumber, words[0]);
         return E_FAIL;
     }
-    if (LYRSysTSDicoIIDName::AddDicoIIDName(iid, words[1]) != 0) return S_OK;
+    const Addition addition = Add(iid, words[1]);
+    if (!addition.isRefused) return S_OK;
 
-    std::fprintf(stderr, "Error in dictionary %s line %d\n", path, lineNumber);
-    std::fprintf(stderr, "Can not add interface '%s %s'\n", words[0], words[1]);
-    ExplainConflict(iid, words[1]);
+    lyr::Say("Error in dictionary %s line %d\nCan not add interface '%s %s'\n", path, lineNumber,
+             words[0], words[1]);
+    if (addition.otherName != nullptr && !lyr::SameText(addition.otherName, words[1])) {
+        lyr::Say(
+            "The iid is already defined with interface name '%s'\n"
+            "Check dictionaries.\n\n",
+            addition.otherName);
+    } else if (addition.otherId != nullptr && *addition.otherId != iid) {
+        lyr::Say("The interface name is already defined with another iid\n");
+    }
     return E_FAIL;
 }

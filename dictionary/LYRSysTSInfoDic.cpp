@@ -1,5 +1,7 @@
 #include "LYRSysTSInfoDic.h"
 
+#include "support/SharedField.h"
+
 LYRSysTSInfoDic::LYRSysTSInfoDic() noexcept
     : clsid(nullptr),
       iid(nullptr),
@@ -10,13 +12,12 @@ LYRSysTSInfoDic::LYRSysTSInfoDic() noexcept
       extendedBy(nullptr),
       creator(nullptr) {}
 
+// Atomic stores: a compiler drops plain ones into a dying object.
 LYRSysTSInfoDic::~LYRSysTSInfoDic() {
-    clsid = nullptr;
-    iid = nullptr;
-    className = nullptr;
-    interfaceName = nullptr;
-    sharedLibrary = nullptr;
-    creator.store(nullptr, std::memory_order_relaxed);  // nobody else has it any more
-    itfLeaf = nullptr;
-    extendedBy = nullptr;
+    for (const GUID** const id : {&clsid, &iid}) lyr::StoreShared(*id, nullptr);
+    for (const char** const text : {&className, &interfaceName, &sharedLibrary}) {
+        lyr::StoreShared(*text, nullptr);
+    }
+    creator.store(nullptr, std::memory_order_release);
+    for (const char** const text : {&itfLeaf, &extendedBy}) lyr::StoreShared(*text, nullptr);
 }

@@ -16,7 +16,8 @@ struct dirent;
 
 namespace lyr {
 struct DictionaryTables;
-}
+struct Refusals;
+}  // namespace lyr
 
 /// The dictionary's lock, never null. It guards both tables and the fields of their records. A
 /// thread may hold it across several operations; it is taken before the locks of the stores and
@@ -47,7 +48,8 @@ struct ReadFileLink {
 /// what is still empty and returns the same record; another value for a set field is refused with
 /// "Problem allocating structure dico\n" on standard error and a null result, and leaves every
 /// entry, and a record handed in as `info`, as it was. So does a lack of memory. (An addition by
-/// ids and by names is two of these.) Nothing throws but FindOrCreateMetaObject.
+/// ids and by names is two of these.) Nothing throws but FindOrCreateMetaObject, and
+/// _ReadDictionary what its reader throws.
 class LYR_EXPORT LYRSysTSDictionary {
 public:
     LYRSysTSDictionary() = delete;
@@ -143,6 +145,14 @@ public:
 
 private:
     friend struct lyr::DictionaryTables;
+
+    /// Makes the meta-object and records it by id and by name. What the dictionary refuses, such as
+    /// the id of another class, is left out and counted. Throws std::bad_alloc with nothing
+    /// recorded: a meta-object that is not recorded would be made once more by the next call.
+    LYR_LOCAL static LYRSysTSMetaClass* CreateMetaObject(const char* name, LYRSysTSTypeOfClass type,
+                                                         const GUID* clsid, LYRSysTSMetaClass* base,
+                                                         lyr::Refusals& refusals)
+        LYR_REQUIRES(GetGlobalDicoMutex());
 
     static DicEntryLink* _dicByName[4096] LYR_GUARDED_BY(GetGlobalDicoMutex());
     static DicEntryLink* _dicByGUID[4096] LYR_GUARDED_BY(GetGlobalDicoMutex());

@@ -7,7 +7,7 @@ class LYRSysTSMetaClassBase;
 
 /// What the system knows at run time about a class. One object of it describes one class; it is
 /// found or made by LYRSysTSFindOrCreateMetaObject and lives until LYRSysTSMetaClassBase::Destruct.
-/// Every operation may be called by any thread, and none throws.
+/// Every operation may be called by any thread.
 class LYR_EXPORT LYRSysTSMetaClass {
 public:
     LYRSysTSMetaClass();

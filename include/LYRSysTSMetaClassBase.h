@@ -6,10 +6,6 @@
 
 class LYRSysTSMetaClassExt;
 
-namespace lyr {
-struct DiscardMetaObject;
-}
-
 /// The newest meta-object; the others follow through `_nextMeta`.
 extern LYR_EXPORT LYRSysTSMetaClassBase* sHeadMeta;
 
@@ -52,5 +48,8 @@ protected:
     LYRSysTSMetaClassBase* _nextMeta;
 
 private:
-    friend struct lyr::DiscardMetaObject;
+    friend class LYRSysTSDictionary;
+
+    /// Frees the newest meta-object, which nobody else knows yet.
+    LYR_LOCAL static void Discard(LYRSysTSMetaClassBase* newest);
 };

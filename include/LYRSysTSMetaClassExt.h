@@ -5,6 +5,10 @@
 
 #include <cstdint>
 
+namespace lyr {
+class DictionarySearch;
+}
+
 /// The meta-object of an extension: a class that implements interfaces for objects of other
 /// classes, which it lists by name.
 class LYR_EXPORT LYRSysTSMetaClassExt : public LYRSysTSMetaClassImpl {
@@ -19,7 +23,8 @@ public:
     /// How instances of the extension live: the type that the constructor was given.
     LYRSysTSTypeOfClass GetExtensionType();
 
-    /// Adds a class name to the list, once. Null, and a lack of memory, change nothing.
+    /// Adds a class name to the list, once. Null, and a lack of memory, change nothing; after the
+    /// latter, what requests do not find in this list is not remembered.
     void SetExtensionOf(const char* className);
 
     /// Whether this very address, an interned name, is on the list.
@@ -32,12 +37,22 @@ public:
     static void AddExtendedComponent(LYRSysTSMetaClass* meta, const char* className);
 
 private:
-    LYR_LOCAL bool _HasRoom() LYR_REQUIRES(_extMutex);
-    LYR_LOCAL bool _Lists(const char* internedName) const LYR_REQUIRES(_extMutex);
+    friend class LYRSysTSDictionary;
+    friend class lyr::DictionarySearch;
+
+    /// SetExtensionOf, which tells a lack of memory: false.
+    LYR_LOCAL bool TryToList(const char* className);
+    LYR_LOCAL void List(const char* internedName);
+    LYR_LOCAL void MakeRoom() LYR_REQUIRES(_extMutex);
+    LYR_LOCAL bool Lists(const char* internedName) const LYR_REQUIRES(_extMutex);
+
+    /// Whether memory has run out in adding a name: the list may be shorter than it should be.
+    LYR_LOCAL bool LacksNames();
 
     const char** _extendedClasses LYR_GUARDED_BY(_extMutex);
     std::int32_t _extendedCount LYR_GUARDED_BY(_extMutex);
     std::int32_t _extendedCapacity LYR_GUARDED_BY(_extMutex);
     LYRSysTSTypeOfClass _typeOfClass;
+    bool _lacksNames LYR_GUARDED_BY(_extMutex);
     LYRSmartMutex _extMutex;
 };

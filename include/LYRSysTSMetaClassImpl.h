@@ -4,6 +4,10 @@
 
 #include <cstdint>
 
+namespace lyr {
+struct SearchResult;
+}
+
 /// One remembered answer: the interned id of an interface and its factory.
 struct FactoryEntry {
     const GUID* interfaceId;
@@ -28,7 +32,9 @@ public:
 
     /// Looks in the table, then in the dictionary and the library that it names, then asks the
     /// base class, and remembers the answer. Of several searches at the same time the first answer
-    /// is that of all. A search that runs out of memory answers null and is not remembered.
+    /// is that of all. An absence is not remembered when memory or file descriptors ran out, or
+    /// while a library was loading, which may be what brings the interface; a request beside the
+    /// load of an extension's library waits for that, a second at most.
     LYRSysTSInterfaceFactory QueryDerivationInterfaceFactory(const GUID& iid) override;
 
     /// What the table remembers for `iid`, _LYRSysTSNoSuchInterface included; null for nothing.
@@ -36,7 +42,7 @@ public:
 
     /// Remembers `factory` for `iid`. Always 1. Nothing is remembered for a null factory, in a
     /// class without an id, in a table of 65,532 entries, and when memory is out. Of several for
-    /// one id any may be the answer.
+    /// one id the first is the answer, but a factory comes before an absence.
     int _AddInterfaceFactory(const GUID& iid, LYRSysTSInterfaceFactory factory);
 
     /// Searches the dictionary alone, by ids and then by names, loading the library of an
@@ -45,18 +51,23 @@ public:
     LYRSysTSInterfaceFactory _QueryFromDictionary(const GUID& iid) const;
 
 private:
-    LYR_LOCAL LYRSysTSInterfaceFactory _Find(const GUID& iid) const LYR_REQUIRES(_mutex);
-    LYR_LOCAL bool _HasRoom() LYR_REQUIRES(_mutex);
-    LYR_LOCAL void _Append(const GUID& iid, LYRSysTSInterfaceFactory factory) LYR_REQUIRES(_mutex);
+    /// What the cache and the table remember, else what a search finds, which is then remembered
+    /// unless it may pass.
+    LYR_LOCAL lyr::SearchResult Ask(const GUID& iid);
+    LYR_LOCAL lyr::SearchResult AskBase(const GUID& iid);
+    LYR_LOCAL lyr::SearchResult Search(const GUID& iid);
 
-    /// The answer of a search, or the absence mark; null when memory is out and no other search
-    /// has found an answer meanwhile.
-    LYR_LOCAL LYRSysTSInterfaceFactory _Search(const GUID& iid);
+    /// What the table remembers, or null; the cache remembers it from now on.
+    LYR_LOCAL LYRSysTSInterfaceFactory Recall(const GUID& iid);
 
     /// Remembers what a search has found, unless another one, which may have seen less or more of
     /// the dictionary, was faster: then that one's is the answer.
-    LYR_LOCAL LYRSysTSInterfaceFactory _RememberFirst(const GUID& iid,
-                                                      LYRSysTSInterfaceFactory answer);
+    LYR_LOCAL LYRSysTSInterfaceFactory RememberFirst(const GUID& iid,
+                                                     LYRSysTSInterfaceFactory answer);
+
+    LYR_LOCAL LYRSysTSInterfaceFactory Find(const GUID& iid) const LYR_REQUIRES(_mutex);
+    LYR_LOCAL void Insert(const GUID& iid, LYRSysTSInterfaceFactory factory) LYR_REQUIRES(_mutex);
+    LYR_LOCAL bool HasRoom() LYR_REQUIRES(_mutex);
 
     FactoryEntry* _factoryTable LYR_GUARDED_BY(_mutex);
     std::uint16_t _factoryCount LYR_GUARDED_BY(_mutex);

@@ -33,22 +33,6 @@ Line& LineOf(const LYRSysTSMetaClassBase* metaObject, const GUID& iid) {
     return lines[(GuidHash(iid) + address * 0x9E3779B9) % std::size(lines)];
 }
 
-void Write(Line& line, const LYRSysTSMetaClassBase* metaObject, const GUID& iid,
-           LYRSysTSInterfaceFactory factory) {
-    std::uint64_t version = line.version.load(std::memory_order_relaxed);
-    // Another thread is writing: its answer is as good to keep as this one.
-    if (version % 2 != 0) return;
-    if (!line.version.compare_exchange_strong(version, version + 1, std::memory_order_acquire)) {
-        return;
-    }
-    const auto halves = std::bit_cast<Halves>(iid);
-    line.metaObject.store(metaObject, std::memory_order_release);
-    line.iidLow.store(halves.low, std::memory_order_release);
-    line.iidHigh.store(halves.high, std::memory_order_release);
-    line.factory.store(factory, std::memory_order_release);
-    line.version.store(version + 2, std::memory_order_release);
-}
-
 }  // namespace
 
 LYRSysTSInterfaceFactory FactoryCache::Find(const LYRSysTSMetaClassBase* metaObject,
@@ -68,14 +52,27 @@ LYRSysTSInterfaceFactory FactoryCache::Find(const LYRSysTSMetaClassBase* metaObj
 
 void FactoryCache::Keep(const LYRSysTSMetaClassBase* metaObject, const GUID& iid,
                         LYRSysTSInterfaceFactory factory) {
-    Write(LineOf(metaObject, iid), metaObject, iid, factory);
+    Line& line = LineOf(metaObject, iid);
+    std::uint64_t version = line.version.load(std::memory_order_relaxed);
+    // Another thread is writing: its answer, for another key, is as good to keep as this one.
+    if (version % 2 != 0) return;
+    if (!line.version.compare_exchange_strong(version, version + 1, std::memory_order_acquire)) {
+        return;
+    }
+    const auto halves = std::bit_cast<Halves>(iid);
+    line.metaObject.store(metaObject, std::memory_order_release);
+    line.iidLow.store(halves.low, std::memory_order_release);
+    line.iidHigh.store(halves.high, std::memory_order_release);
+    line.factory.store(factory, std::memory_order_release);
+    line.version.store(version + 2, std::memory_order_release);
 }
 
 void FactoryCache::Forget(const LYRSysTSMetaClassBase* metaObject) {
     for (Line& line : lines) {
-        if (line.metaObject.load(std::memory_order_relaxed) == metaObject) {
-            Write(line, nullptr, GUID{}, nullptr);
-        }
+        const LYRSysTSMetaClassBase* seen = line.metaObject.load(std::memory_order_relaxed);
+        if (seen != metaObject) continue;
+        // A thread that is writing there meanwhile has put another meta-object in its place.
+        line.metaObject.compare_exchange_strong(seen, nullptr, std::memory_order_relaxed);
     }
 }
 

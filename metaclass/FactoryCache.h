@@ -8,10 +8,9 @@ class LYRSysTSMetaClassBase;
 namespace lyr {
 
 /// The answers that the factory tables of all classes have given lately, so that a request which is
-/// made over and over finds its answer without the lock and the search of a table. An answer never
-/// changes while its meta-object lives, unless _AddInterfaceFactory adds another one for its id,
-/// and then either will do; the tables stay the truth, and what is pushed out of here is found
-/// there again. Any thread may call at any time.
+/// made over and over finds its answer without the lock and the search of a table. What stands here
+/// is what the table answers; what is pushed out is found there again. Any thread may look at any
+/// time.
 class FactoryCache {
 public:
     FactoryCache() = delete;
@@ -20,7 +19,8 @@ public:
     /// when it is not here.
     static LYRSysTSInterfaceFactory Find(const LYRSysTSMetaClassBase* metaObject, const GUID& iid);
 
-    /// Keeps an answer, in the place of another one.
+    /// Keeps an answer, in the place of another one. The caller holds the lock of the meta-object's
+    /// table, so that an older answer of it never comes later.
     static void Keep(const LYRSysTSMetaClassBase* metaObject, const GUID& iid,
                      LYRSysTSInterfaceFactory factory);
 

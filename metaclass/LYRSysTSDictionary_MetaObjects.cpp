@@ -6,6 +6,7 @@
 #include "registries/Intern.h"
 #include "support/AddressCast.h"
 #include "support/MutexGuard.h"
+#include "support/Shortage.h"
 #include "support/Text.h"
 
 #include <memory>
@@ -35,57 +36,21 @@ LYRSysTSMetaClassBase* MakeMetaObject(const char* name, LYRSysTSTypeOfClass type
 
 }  // namespace
 
-namespace lyr {
-
-/// Frees the newest meta-object, which nobody else knows yet.
-struct DiscardMetaObject {
-    void operator()(LYRSysTSMetaClassBase* metaObject) const {
-        sHeadMeta = metaObject->_nextMeta;
-        delete metaObject;
-    }
-};
-
-}  // namespace lyr
-
-namespace {
-
-/// Says at its end what the dictionary has refused, also when the caller fails later on. Stands
-/// before the lock is taken, so that it ends after it.
-struct Refusals {
-    int count = 0;
-    ~Refusals() { lyr::SayRefused(count); }
-};
-
-/// Makes the meta-object and records it by id and by name. What the dictionary refuses, such as the
-/// id of another class, is left out and counted in `refusals`. Throws std::bad_alloc with nothing
-/// recorded: a meta-object that is not recorded would be made once more by the next call.
-LYRSysTSMetaClass* Create(const char* name, LYRSysTSTypeOfClass type, const GUID* clsid,
-                          LYRSysTSMetaClass* base, int& refusals)
-    LYR_REQUIRES(GetGlobalDicoMutex()) {
+LYRSysTSMetaClass* LYRSysTSDictionary::CreateMetaObject(const char* name, LYRSysTSTypeOfClass type,
+                                                        const GUID* clsid, LYRSysTSMetaClass* base,
+                                                        lyr::Refusals& refusals) {
     if (clsid == nullptr) clsid = MakeUpClassId();
-    std::unique_ptr<LYRSysTSMetaClassBase, lyr::DiscardMetaObject> made(
-        MakeMetaObject(name, type, clsid, base));
-    if (lyr::DictionaryTables::Deleted()) return made.release();
+    std::unique_ptr<LYRSysTSMetaClassBase, void (*)(LYRSysTSMetaClassBase*)> made(
+        MakeMetaObject(name, type, clsid, base), &LYRSysTSMetaClassBase::Discard);
+    if (_DictionaryDeleted) return made.release();
 
     lyr::DictionaryTables::EnsureCleared();
     const LYRSysTSInterfaceFactory creator = lyr::ToCreator(made.get());
     lyr::PairedAddition both{{*clsid, CLSID_LYRSysTSMetaClass, creator},
                              {name, "MetaObject", nullptr, nullptr, nullptr, creator}};
-    both.Make(true, refusals);
+    both.Make(refusals);
     return made.release();
 }
-
-/// Has an extension's meta-object take note of a class that it extends. Throws std::bad_alloc.
-void NoteExtended(LYRSysTSMetaClass* metaObject, const char* extendedName) {
-    if (extendedName == nullptr) return;
-    LYRSysTSMetaClassExt* const extension = lyr::ToExtension(metaObject);
-    if (extension == nullptr) return;
-    extension->SetExtensionOf(extendedName);
-    const char* const interned = lyr::InternText(extendedName);
-    if (interned != nullptr && !extension->_IsExtensionOf(interned)) throw std::bad_alloc();
-}
-
-}  // namespace
 
 LYRSysTSMetaClass* LYRSysTSDictionary::FindOrCreateMetaObject(const char* name,
                                                               LYRSysTSTypeOfClass type,
@@ -93,20 +58,17 @@ LYRSysTSMetaClass* LYRSysTSDictionary::FindOrCreateMetaObject(const char* name,
                                                               LYRSysTSMetaClass* base,
                                                               const char* extendedName) {
     if (name == nullptr || lyr::SameText(name, "LYRNull")) return nullptr;
-    Refusals refusals;
+    lyr::Refusals refusals;
     const lyr::MutexGuard guard(*GetGlobalDicoMutex());
     LYRSysTSMetaClass* metaObject = QueryMetaObject(name);
-    if (metaObject == nullptr) metaObject = Create(name, type, clsid, base, refusals.count);
-    NoteExtended(metaObject, extendedName);
+    if (metaObject == nullptr) metaObject = CreateMetaObject(name, type, clsid, base, refusals);
+    LYRSysTSMetaClassExt* const extension = lyr::ToExtension(metaObject);
+    if (extension != nullptr && !extension->TryToList(extendedName)) throw std::bad_alloc();
     return metaObject;
 }
 
 const GUID* LYRSysTSDictionary::_CreateCLSID() {
-    try {
-        return MakeUpClassId();
-    } catch (const std::bad_alloc&) {
-        return nullptr;
-    }
+    return lyr::RefuseOnShortage(nullptr, [] { return MakeUpClassId(); });
 }
 
 LYRSysTSMetaClass* LYRSysTSFindOrCreateMetaObject(const char* name, LYRSysTSTypeOfClass type,

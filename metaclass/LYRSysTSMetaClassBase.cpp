@@ -73,3 +73,8 @@ void LYRSysTSMetaClassBase::Destruct() {
     }
     sHeadMeta = nullptr;
 }
+
+void LYRSysTSMetaClassBase::Discard(LYRSysTSMetaClassBase* newest) {
+    sHeadMeta = newest->_nextMeta;
+    delete newest;
+}

@@ -1,11 +1,11 @@
 #include "LYRSysTSMetaClassExt.h"
 
-#include "LYRSysTSDicoString.h"
 #include "metaclass/ToExtension.h"
+#include "registries/Intern.h"
 #include "support/MutexGuard.h"
+#include "support/Shortage.h"
 
 #include <algorithm>
-#include <new>
 
 LYRSysTSMetaClassExt::LYRSysTSMetaClassExt(const GUID* clsid, const char* name,
                                            LYRSysTSMetaClass* base, LYRSysTSTypeOfClass type)
@@ -14,6 +14,7 @@ LYRSysTSMetaClassExt::LYRSysTSMetaClassExt(const GUID* clsid, const char* name,
       _extendedCount(0),
       _extendedCapacity(0),
       _typeOfClass(type),
+      _lacksNames(false),
       _extMutex(0) {}
 
 LYRSysTSMetaClassExt::~LYRSysTSMetaClassExt() {
@@ -29,39 +30,56 @@ LYRSysTSTypeOfClass LYRSysTSMetaClassExt::GetExtensionType() {
 }
 
 void LYRSysTSMetaClassExt::SetExtensionOf(const char* className) {
-    const char* const interned = LYRSysTSDicoString::AddStringInDico(className);
-    if (interned == nullptr) return;
+    TryToList(className);
+}
 
+bool LYRSysTSMetaClassExt::TryToList(const char* className) {
+    const bool isDone = lyr::RefuseOnShortage(false, [&] {
+        const char* const interned = lyr::InternText(className);
+        if (interned != nullptr) List(interned);
+        return true;
+    });
+    if (isDone) return true;
     const lyr::MutexGuard guard(_extMutex);
-    if (_Lists(interned) || !_HasRoom()) return;
-    _extendedClasses[_extendedCount] = interned;
+    _lacksNames = true;
+    return false;
+}
+
+void LYRSysTSMetaClassExt::List(const char* internedName) {
+    const lyr::MutexGuard guard(_extMutex);
+    if (Lists(internedName)) return;
+    MakeRoom();
+    _extendedClasses[_extendedCount] = internedName;
     ++_extendedCount;
 }
 
-bool LYRSysTSMetaClassExt::_HasRoom() {
+void LYRSysTSMetaClassExt::MakeRoom() {
     constexpr std::int32_t kGrowth = 3;
-    if (_extendedCount < _extendedCapacity) return true;
+    if (_extendedCount < _extendedCapacity) return;
     const std::int32_t capacity = _extendedCapacity + kGrowth;
-    auto** const classes = new (std::nothrow) const char*[static_cast<std::size_t>(capacity)];
-    if (classes == nullptr) return false;
+    auto** const classes = new const char*[static_cast<std::size_t>(capacity)];
     std::copy_n(_extendedClasses, _extendedCount, classes);
     delete[] _extendedClasses;
     _extendedClasses = classes;
     _extendedCapacity = capacity;
-    return true;
+}
+
+bool LYRSysTSMetaClassExt::LacksNames() {
+    const lyr::MutexGuard guard(_extMutex);
+    return _lacksNames;
 }
 
 bool LYRSysTSMetaClassExt::_IsExtensionOf(const char* internedName) {
     if (internedName == nullptr) return false;
     const lyr::MutexGuard guard(_extMutex);
-    return _Lists(internedName);
+    return Lists(internedName);
 }
 
 bool LYRSysTSMetaClassExt::IsExtensionOf(const LYRSysTSMetaClass* meta) {
     return meta != nullptr && _IsExtensionOf(meta->IsA());
 }
 
-bool LYRSysTSMetaClassExt::_Lists(const char* internedName) const {
+bool LYRSysTSMetaClassExt::Lists(const char* internedName) const {
     const char* const* const end = _extendedClasses + _extendedCount;
     return std::find(static_cast<const char* const*>(_extendedClasses), end, internedName) != end;
 }

@@ -1,14 +1,15 @@
 #include "LYRSysTSMetaClassImpl.h"
 
 #include "LYRSysTSDicoGUID.h"
+#include "LYRSysTSMetaClassExt.h"
+#include "metaclass/DictionarySearch.h"
 #include "metaclass/FactoryCache.h"
 #include "support/GuidBytes.h"
-#include "support/MemoryShortage.h"
 #include "support/MutexGuard.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <new>
+#include <typeinfo>
 
 IUnknown* _LYRSysTSNoSuchInterface(LYRSysTSBaseUnknown*, unsigned char) {
     return nullptr;
@@ -21,6 +22,21 @@ int LYRSysTSCompare(const void* a, const void* b) {
     if (left == right) return 0;
     return left < right ? -1 : 1;
 }
+
+namespace {
+
+using lyr::SearchResult;
+
+bool IsBefore(const FactoryEntry& a, const FactoryEntry& b) {
+    return LYRSysTSCompare(&a, &b) < 0;
+}
+
+/// The answer of a table, which does not change any more.
+SearchResult ForGood(LYRSysTSInterfaceFactory answer) {
+    return {answer != _LYRSysTSNoSuchInterface ? answer : nullptr, false};
+}
+
+}  // namespace
 
 LYRSysTSMetaClassImpl::LYRSysTSMetaClassImpl(const GUID* clsid, const char* name,
                                              LYRSysTSMetaClass* base)
@@ -36,43 +52,98 @@ LYRSysTSMetaClassImpl::~LYRSysTSMetaClassImpl() {
 
 LYRSysTSInterfaceFactory LYRSysTSMetaClassImpl::_GetInterfaceFactory(const GUID& iid) {
     const lyr::MutexGuard guard(_mutex);
-    return _Find(iid);
-}
-
-LYRSysTSInterfaceFactory LYRSysTSMetaClassImpl::_Find(const GUID& iid) const {
-    if (_factoryCount == 0) return nullptr;
-    const FactoryEntry key{&iid, nullptr};
-    const void* const found =
-        std::bsearch(&key, _factoryTable, _factoryCount, sizeof(FactoryEntry), LYRSysTSCompare);
-    return found != nullptr ? static_cast<const FactoryEntry*>(found)->factory : nullptr;
+    return Find(iid);
 }
 
 int LYRSysTSMetaClassImpl::_AddInterfaceFactory(const GUID& iid, LYRSysTSInterfaceFactory factory) {
     if (factory == nullptr || _classId == nullptr) return 1;
     const lyr::MutexGuard guard(_mutex);
-    _Append(iid, factory);
+    Insert(iid, factory);
+    // The cache may hold what was the answer so far.
+    if (const LYRSysTSInterfaceFactory answer = Find(iid))
+        lyr::FactoryCache::Keep(this, iid, answer);
     return 1;
 }
 
-LYRSysTSInterfaceFactory LYRSysTSMetaClassImpl::_RememberFirst(const GUID& iid,
-                                                               LYRSysTSInterfaceFactory answer) {
-    if (_classId == nullptr) return answer;
+LYRSysTSInterfaceFactory LYRSysTSMetaClassImpl::_QueryFromDictionary(const GUID& iid) const {
+    return lyr::DictionarySearch(*this, iid).Run().factory;
+}
+
+LYRSysTSInterfaceFactory LYRSysTSMetaClassImpl::QueryDerivationInterfaceFactory(const GUID& iid) {
+    return Ask(iid).factory;
+}
+
+SearchResult LYRSysTSMetaClassImpl::Ask(const GUID& iid) {
+    LYRSysTSInterfaceFactory answer = lyr::FactoryCache::Find(this, iid);
+    if (answer == nullptr) answer = Recall(iid);
+    return answer != nullptr ? ForGood(answer) : Search(iid);
+}
+
+SearchResult LYRSysTSMetaClassImpl::Search(const GUID& iid) {
+    SearchResult found = lyr::DictionarySearch(*this, iid).Run();
+    if (found.factory == nullptr) {
+        const SearchResult ofBase = AskBase(iid);
+        found = {ofBase.factory, found.mayPass || ofBase.mayPass};
+    }
+    if (found.factory != nullptr) return ForGood(RememberFirst(iid, found.factory));
+    if (!found.mayPass) return ForGood(RememberFirst(iid, _LYRSysTSNoSuchInterface));
+    const LYRSysTSInterfaceFactory ofAnother = _GetInterfaceFactory(iid);
+    return ofAnother != nullptr ? ForGood(ofAnother) : found;
+}
+
+SearchResult LYRSysTSMetaClassImpl::AskBase(const GUID& iid) {
+    if (_baseMeta == nullptr) return {};
+    // One that searches as this one does also tells whether an absence may pass.
+    const std::type_info& type = typeid(*_baseMeta);
+    if (type == typeid(LYRSysTSMetaClassImpl) || type == typeid(LYRSysTSMetaClassExt)) {
+        return static_cast<LYRSysTSMetaClassImpl*>(_baseMeta)->Ask(iid);
+    }
+    return {_baseMeta->QueryDerivationInterfaceFactory(iid), false};
+}
+
+LYRSysTSInterfaceFactory LYRSysTSMetaClassImpl::Recall(const GUID& iid) {
     const lyr::MutexGuard guard(_mutex);
-    if (const LYRSysTSInterfaceFactory known = _Find(iid)) return known;
-    _Append(iid, answer);
+    const LYRSysTSInterfaceFactory answer = Find(iid);
+    // Under the lock, so that the cache never holds what the table has said before.
+    if (answer != nullptr) lyr::FactoryCache::Keep(this, iid, answer);
     return answer;
 }
 
-void LYRSysTSMetaClassImpl::_Append(const GUID& iid, LYRSysTSInterfaceFactory factory) {
-    if (!_HasRoom()) return;
-    const GUID* const interned = LYRSysTSDicoGUID::AddGUIDInDico(&iid);
-    if (interned == nullptr) return;
-    _factoryTable[_factoryCount] = {interned, factory};
-    ++_factoryCount;
-    std::qsort(_factoryTable, _factoryCount, sizeof(FactoryEntry), LYRSysTSCompare);
+LYRSysTSInterfaceFactory LYRSysTSMetaClassImpl::RememberFirst(const GUID& iid,
+                                                              LYRSysTSInterfaceFactory answer) {
+    if (_classId == nullptr) return answer;
+    const lyr::MutexGuard guard(_mutex);
+    if (const LYRSysTSInterfaceFactory known = Find(iid)) return known;
+    Insert(iid, answer);
+    return answer;
 }
 
-bool LYRSysTSMetaClassImpl::_HasRoom() {
+LYRSysTSInterfaceFactory LYRSysTSMetaClassImpl::Find(const GUID& iid) const {
+    const FactoryEntry key{&iid, nullptr};
+    const FactoryEntry* const table = _factoryTable;
+    const FactoryEntry* const end = table + _factoryCount;
+    const FactoryEntry* entry = std::lower_bound(table, end, key, IsBefore);
+    LYRSysTSInterfaceFactory answer = nullptr;
+    for (; entry != end && !IsBefore(key, *entry); ++entry) {
+        if (entry->factory != _LYRSysTSNoSuchInterface) return entry->factory;
+        answer = entry->factory;
+    }
+    return answer;
+}
+
+void LYRSysTSMetaClassImpl::Insert(const GUID& iid, LYRSysTSInterfaceFactory factory) {
+    if (!HasRoom()) return;
+    const GUID* const interned = LYRSysTSDicoGUID::AddGUIDInDico(&iid);
+    if (interned == nullptr) return;
+    const FactoryEntry entry{interned, factory};
+    FactoryEntry* const end = _factoryTable + _factoryCount;
+    FactoryEntry* const place = std::upper_bound(_factoryTable, end, entry, IsBefore);
+    std::move_backward(place, end, end + 1);
+    *place = entry;
+    ++_factoryCount;
+}
+
+bool LYRSysTSMetaClassImpl::HasRoom() {
     constexpr unsigned kGrowth = 4;
     constexpr unsigned kMaxCapacity = 65532;
     if (_factoryCount < _factoryCapacity) return true;
@@ -85,25 +156,4 @@ bool LYRSysTSMetaClassImpl::_HasRoom() {
     _factoryTable = table;
     _factoryCapacity = static_cast<std::uint16_t>(capacity);
     return true;
-}
-
-LYRSysTSInterfaceFactory LYRSysTSMetaClassImpl::QueryDerivationInterfaceFactory(const GUID& iid) {
-    LYRSysTSInterfaceFactory answer = lyr::FactoryCache::Find(this, iid);
-    if (answer == nullptr) {
-        answer = _GetInterfaceFactory(iid);
-        if (answer != nullptr) lyr::FactoryCache::Keep(this, iid, answer);
-    }
-    if (answer == nullptr) answer = _Search(iid);
-    return answer != _LYRSysTSNoSuchInterface ? answer : nullptr;
-}
-
-LYRSysTSInterfaceFactory LYRSysTSMetaClassImpl::_Search(const GUID& iid) {
-    const unsigned shortages = lyr::memoryShortages;
-    LYRSysTSInterfaceFactory found = _QueryFromDictionary(iid);
-    if (found == nullptr && _baseMeta != nullptr) {
-        found = _baseMeta->QueryDerivationInterfaceFactory(iid);
-    }
-    if (found != nullptr) return _RememberFirst(iid, found);
-    if (lyr::memoryShortages != shortages) return _GetInterfaceFactory(iid);
-    return _RememberFirst(iid, _LYRSysTSNoSuchInterface);
 }

@@ -3,8 +3,9 @@
 #include "LYRThrLibraryManager.h"
 #include "dictionary/EntryCopy.h"
 #include "support/AddressCast.h"
+#include "support/Shortage.h"
 
-#include <new>
+#include <optional>
 #include <string>
 
 namespace {
@@ -12,13 +13,11 @@ namespace {
 using CreationFunction = void* (*)(void*);
 
 CreationFunction FindEntryPoint(const char* className, const char* library) {
-    try {
-        const std::string name = std::string("fctLYRSysTSCreate") + className;
-        return lyr::ToFunction<CreationFunction>(
-            LYRThrLibraryManager::GetFunctionAddress(library, name.c_str()));
-    } catch (const std::bad_alloc&) {
-        return nullptr;
-    }
+    const auto symbol = lyr::RefuseOnShortage(
+        std::nullopt, [=] { return std::optional(std::string("fctLYRSysTSCreate") + className); });
+    if (!symbol) return nullptr;
+    return lyr::ToFunction<CreationFunction>(
+        LYRThrLibraryManager::GetFunctionAddress(library, symbol->c_str()));
 }
 
 /// The function that creates objects of the class: the registered one, else that of the caller's

@@ -1,5 +1,8 @@
 #include "LYRThrLibraryManager.h"
 
+#include "LibraryFiles.h"
+#include "Loads.h"
+
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
@@ -8,6 +11,8 @@
 #include <mutex>
 #include <new>
 #include <string>
+#include <string_view>
+#include <sys/statvfs.h>
 #include <unistd.h>
 
 namespace {
@@ -20,68 +25,11 @@ std::mutex lastFailureMutex;
 char lastFailure[kFailureSize];  // guarded by lastFailureMutex, which is never held while loading
 
 /// Records the failure of an operation, whose result it returns.
-void* Fail(const char* words, bool forMemory = false) {
-    {
-        const std::lock_guard<std::mutex> guard(lastFailureMutex);
-        std::snprintf(lastFailure, sizeof lastFailure, "%s", words);
-    }
-    errno = forMemory ? ENOMEM : ENOENT;
+void* Fail(const char* words) {
+    const std::lock_guard<std::mutex> guard(lastFailureMutex);
+    std::snprintf(lastFailure, sizeof lastFailure, "%s", words);
     return nullptr;
 }
-
-/// The files that a library name may mean, in the order of trying. Without memory of the heap, so
-/// that a shortage here is not taken for an absent library.
-class Candidates {
-public:
-    explicit Candidates(const char* name)
-        : _name(name),
-          _slash(std::strrchr(name, '/')),
-          _hasPrefix(std::strncmp(name, "lib", 3) == 0),
-          _hasSuffix(std::strstr(name, ".so") != nullptr) {}
-
-    /// The next file; null after the last one. Valid until the next call.
-    const char* Next() {
-        while (_next < kForms) {
-            if (Write(_next++)) return _file;
-        }
-        return nullptr;
-    }
-
-private:
-    static constexpr int kForms = 4;
-
-    bool Write(int form) {
-        if (_slash != nullptr) return WritePath(form);
-        if (form == 0) return Write("lib", _name, ".so");
-        if (form == 1) return _hasPrefix && Write("", _name, ".so");
-        if (form == 2) return _hasSuffix && Write("", _name, "");
-        // The whole name of a file that a dictionary has taken the leading "lib" of.
-        return _hasSuffix && !_hasPrefix && Write("lib", _name, "");
-    }
-
-    bool WritePath(int form) {
-        if (form == 0) return Write("", _name, "");
-        if (form != 1) return false;
-        const auto directory = static_cast<int>(_slash + 1 - _name);
-        return Fits(
-            std::snprintf(_file, sizeof _file, "%.*slib%s.so", directory, _name, _slash + 1));
-    }
-
-    bool Write(const char* prefix, const char* name, const char* suffix) {
-        return Fits(std::snprintf(_file, sizeof _file, "%s%s%s", prefix, name, suffix));
-    }
-
-    static bool Fits(int length) { return length >= 0 && length < kFileSize; }
-
-    static constexpr int kFileSize = 8192;  // longer than any path that the system opens
-
-    const char* const _name;
-    const char* const _slash;
-    const bool _hasPrefix;
-    const bool _hasSuffix;
-    int _next = 0;
-    char _file[kFileSize];
-};
 
 /// Whether the loader found no file at all under this name. Its words begin with what they are
 /// about: the name as it was asked for as long as no file is found, then the path of the file, or
@@ -98,33 +46,60 @@ const char* LoaderWords() {
     return words != nullptr ? words : "the dynamic loader gives no reason";
 }
 
-/// Whether the loader, called with errno 0, has failed for lack of memory. Its allocations set
-/// errno then. That the system has refused to map the file shows in the words alone, and only in
-/// English.
-bool RanOutOfMemory(int error, const char* words) {
-    return error == ENOMEM || std::strstr(words, "failed to map segment") != nullptr;
+/// Whether the words end in those of the system for the error, in whichever language.
+bool EndsInError(std::string_view words, int error) {
+    return words.ends_with(std::strerror(error));
+}
+
+/// Whether the words tell that the system has refused to map a file that might be mapped at another
+/// time. They tell nothing but the path, and are the same for a file system on which nothing may be
+/// executed.
+bool MayBeMappedLater(std::string_view words) {
+    const std::size_t end = words.find(": failed to map segment");
+    if (end == std::string_view::npos) return false;
+    char path[kFailureSize];
+    std::snprintf(path, sizeof path, "%.*s", static_cast<int>(end), words.data());
+    struct statvfs system {};
+    return ::statvfs(path, &system) != 0 || (system.f_flag & ST_NOEXEC) == 0;
+}
+
+/// Whether the loader, called with errno 0, has failed for want of something that may be there the
+/// next time. Its allocations set errno; for all else there are only the words.
+bool IsShortage(int error, std::string_view words) {
+    if (error == ENOMEM || MayBeMappedLater(words)) return true;
+    return EndsInError(words, ENOMEM) || EndsInError(words, EMFILE) || EndsInError(words, ENFILE);
 }
 
 /// The most telling failure of several attempts: the first that is more than a missing file, else
 /// the first.
 class Failure {
 public:
-    Failure() { text_[0] = '\0'; }
+    Failure() { _text[0] = '\0'; }
     void Note(int error, const char* words, const char* file) {
-        forMemory_ = forMemory_ || RanOutOfMemory(error, words);
+        _mayPass = _mayPass || IsShortage(error, words);
         const bool missing = TellsOnlyThatItIsMissing(words, file);
-        if (text_[0] != '\0' && (missing || !onlyMissing_)) return;
-        onlyMissing_ = missing;
-        std::snprintf(text_, sizeof text_, "%s", words);
+        if (_text[0] != '\0' && (missing || !_onlyMissing)) return;
+        _onlyMissing = missing;
+        std::snprintf(_text, sizeof _text, "%s", words);
     }
-    const char* Text() const { return text_; }
-    bool ForMemory() const { return forMemory_; }
+    const char* Text() const { return _text; }
+    bool MayPass() const { return _mayPass; }
 
 private:
-    char text_[kFailureSize];
-    bool onlyMissing_ = true;
-    bool forMemory_ = false;
+    char _text[kFailureSize];
+    bool _onlyMissing = true;
+    bool _mayPass = false;
 };
+
+/// The handle of a file, loaded unless it is already; null when it does not load.
+///
+/// An exception that leaves an initialiser ends the process here. It must not get any further: on
+/// its way it would pass the loader, which would never give its lock back. dlopen is declared not
+/// to throw, so it is called as a function that may, and that the compiler cannot see through.
+[[gnu::noinline]] void* Open(const char* file) noexcept {
+    void* (*volatile const open)(const char*, int) = &::dlopen;
+    return open(file, RTLD_NOW | RTLD_LOCAL);
+}
 
 /// Whether `address` lies in the library that `handle` stands for, and not in a dependency of it.
 bool IsDefinedBy(void* handle, const void* address) {
@@ -138,28 +113,37 @@ bool IsDefinedBy(void* handle, const void* address) {
 }  // namespace
 
 void* LYRThrLibraryManager::LoadLibrary(const char* name) {
+    bool mayPass = false;
+    return TryLoadLibrary(name, mayPass);
+}
+
+void* LYRThrLibraryManager::TryLoadLibrary(const char* name, bool& mayPass) {
+    mayPass = false;
     if (name == nullptr || *name == '\0') return Fail("no library is named");
-    Candidates candidates(name);
+    const lyr::Loads::Running running;
+    lyr::LibraryFiles files(name);
     Failure failure;
-    while (const char* const file = candidates.Next()) {
+    while (const char* const file = files.Next()) {
         errno = 0;
-        if (void* handle = ::dlopen(file, RTLD_NOW | RTLD_LOCAL)) return handle;
+        if (void* handle = Open(file)) return handle;
         const int error = errno;
         failure.Note(error, LoaderWords(), file);
     }
     if (*failure.Text() == '\0') return Fail("the library's name is too long");
-    return Fail(failure.Text(), failure.ForMemory());
-}
-
-void LYRThrLibraryManager::AwaitLoads() {
-    // The loader makes one load at a time, initialisers included, and this call, which asks for the
-    // program itself, takes its turn.
-    ::dlopen(nullptr, RTLD_NOW | RTLD_LOCAL | RTLD_NOLOAD);
+    mayPass = failure.MayPass();
+    return Fail(failure.Text());
 }
 
 void* LYRThrLibraryManager::GetFunctionAddress(const char* library, const char* symbol) {
+    bool mayPass = false;
+    return TryGetFunctionAddress(library, symbol, mayPass);
+}
+
+void* LYRThrLibraryManager::TryGetFunctionAddress(const char* library, const char* symbol,
+                                                  bool& mayPass) {
+    mayPass = false;
     if (symbol == nullptr) return Fail("no symbol is named");
-    void* handle = LoadLibrary(library);
+    void* handle = TryLoadLibrary(library, mayPass);
     if (handle == nullptr) return nullptr;
     ::dlerror();
     errno = 0;
@@ -167,7 +151,8 @@ void* LYRThrLibraryManager::GetFunctionAddress(const char* library, const char* 
     if (address == nullptr) {
         const int error = errno;
         const char* const words = LoaderWords();
-        return Fail(words, RanOutOfMemory(error, words));
+        mayPass = IsShortage(error, words);
+        return Fail(words);
     }
     if (!IsDefinedBy(handle, address)) {
         char words[kFailureSize];
@@ -176,6 +161,14 @@ void* LYRThrLibraryManager::GetFunctionAddress(const char* library, const char* 
         return Fail(words);
     }
     return address;
+}
+
+std::uint64_t LYRThrLibraryManager::LoadsEnded() {
+    return lyr::Loads::Ended();
+}
+
+bool LYRThrLibraryManager::MayHaveBeenLoadingSince(std::uint64_t loadsEnded) {
+    return lyr::Loads::MayHaveBeenRunningSince(loadsEnded);
 }
 
 std::string LYRThrLibraryManager::LastFailure() {

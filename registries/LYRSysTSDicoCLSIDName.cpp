@@ -4,13 +4,12 @@
 #include "registries/Intern.h"
 #include "registries/SignedKeys.h"
 #include "support/Chain.h"
-#include "support/MemoryShortage.h"
 #include "support/MutexGuard.h"
+#include "support/Shortage.h"
 #include "support/StartUpOrder.h"
 #include "support/Text.h"
 
 #include <memory>
-#include <new>
 
 constinit CLSIDNameLink* LYRSysTSDicoCLSIDName::_CLSIDNameByCLSID[1024] = {};
 constinit std::atomic<bool> LYRSysTSDicoCLSIDName::_DictionaryCleared = false;
@@ -54,7 +53,7 @@ CLSIDNameRecord* LYRSysTSDicoCLSIDName::AddDicoCLSIDName(const GUID& clsid, cons
         return IsSameClass(*known, name, library) ? known : nullptr;
     }
 
-    try {
+    return lyr::RefuseOnShortage(nullptr, [&]() -> CLSIDNameRecord* {
         const char* const internedName = lyr::InternText(name);
         const char* const internedLibrary = lyr::InternText(library);
         if (internedName == nullptr) return nullptr;
@@ -64,10 +63,7 @@ CLSIDNameRecord* LYRSysTSDicoCLSIDName::AddDicoCLSIDName(const GUID& clsid, cons
         auto link = std::make_unique<CLSIDNameLink>(CLSIDNameLink{record.get(), nullptr});
         lyr::StoreShared(*slot.place, link.release());
         return record.release();
-    } catch (const std::bad_alloc&) {
-        ++lyr::memoryShortages;
-        return nullptr;
-    }
+    });
 }
 
 CLSIDNameRecord* LYRSysTSDicoCLSIDName::QueryDicoCLSIDNameByCLSID(const GUID& clsid) {

@@ -3,13 +3,12 @@
 #include "registries/Intern.h"
 #include "registries/SignedKeys.h"
 #include "support/Chain.h"
-#include "support/MemoryShortage.h"
 #include "support/MutexGuard.h"
+#include "support/Shortage.h"
 #include "support/StartUpOrder.h"
 #include "support/Text.h"
 
 #include <memory>
-#include <new>
 
 constinit IIDNameLink* LYRSysTSDicoIIDName::_IIDNameByIID[1024] = {};
 constinit IIDNameLink* LYRSysTSDicoIIDName::_IIDNameByName[1024] = {};
@@ -49,7 +48,7 @@ int LYRSysTSDicoIIDName::AddDicoIIDName(const GUID& iid, const char* name) {
     const auto byIID = FindIID(_IIDNameByIID[lyr::SignedKey(iid)], iid);
     if (byIID.link != nullptr) return 0;
 
-    try {
+    return lyr::RefuseOnShortage(0, [&] {
         const char* const internedName = lyr::InternText(name);
         if (internedName == nullptr) return 0;
         auto record =
@@ -60,10 +59,7 @@ int LYRSysTSDicoIIDName::AddDicoIIDName(const GUID& iid, const char* name) {
         lyr::StoreShared(*byIID.place, iidLink.release());
         lyr::StoreShared(*byName.place, nameLink.release());
         return 1;
-    } catch (const std::bad_alloc&) {
-        ++lyr::memoryShortages;
-        return 0;
-    }
+    });
 }
 
 const char* LYRSysTSDicoIIDName::QueryDicoIIDNameByIID(const GUID& iid) {

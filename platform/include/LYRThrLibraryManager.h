@@ -2,6 +2,7 @@
 
 #include "LYRExport.h"
 
+#include <cstdint>
 #include <string>
 
 /// Loads shared libraries by the names that dictionaries give them, and finds functions in them.
@@ -11,9 +12,8 @@
 /// of the file, or of its directory and the name: "plugins/Geometry" also reaches
 /// plugins/libGeometry.so. A library stays loaded for the life of the process, its symbols kept to
 /// itself. Failures are not remembered: a library that is installed later is found by the next
-/// request. After one, errno is ENOMEM when it may have been for lack of memory, and another value
-/// otherwise. Any thread may call at any time; no lock of ours is held while a library loads, so
-/// that its initialisers may call back.
+/// request. Any thread may call at any time; no lock of ours is held while a library loads, so that
+/// its initialisers may call back. An exception that leaves one of these ends the process.
 class LYR_EXPORT LYRThrLibraryManager {
 public:
     LYRThrLibraryManager() = delete;
@@ -22,15 +22,25 @@ public:
     /// own, or null: no such library, one that cannot be loaded, a null or empty name, or no
     /// memory.
     static void* LoadLibrary(const char* name);
-
-    /// Waits while another thread loads a library, until its initialisers have run. In an
-    /// initialiser it does not wait for the library itself.
-    static void AwaitLoads();
+    /// The same. `mayPass` then tells whether it failed for want of memory or of file descriptors,
+    /// so that the same call may succeed at another time; false after success.
+    static void* TryLoadLibrary(const char* name, bool& mayPass);
 
     /// The address of the function `symbol` in the library, which is loaded first if need be. Null
     /// when the library does not load, when `symbol` is null, or when the library itself does not
     /// define it: a function of the same name in one of its dependencies does not count.
     static void* GetFunctionAddress(const char* library, const char* symbol);
+    /// The same; `mayPass` as above.
+    static void* TryGetFunctionAddress(const char* library, const char* symbol, bool& mayPass);
+
+    /// How many libraries are known to have been loaded, with their initialisers run.
+    static std::uint64_t LoadsEnded();
+
+    /// Whether a library may have been loading at any moment since LoadsEnded() gave the number;
+    /// false only when none has. It never waits, neither for the loader nor for an initialiser. Of a
+    /// library that the program has loaded by itself while it had several threads, the end is known
+    /// after the next load here.
+    static bool MayHaveBeenLoadingSince(std::uint64_t loadsEnded);
 
     /// Why the last failure of LoadLibrary or GetFunctionAddress came about, as far as possible in
     /// the dynamic loader's own words; empty while none has failed. When several files were tried,

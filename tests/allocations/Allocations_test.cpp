@@ -4,6 +4,7 @@
 // asked: was it the defined refusal, with everything as before, or the whole result all the same;
 // do the tables agree with their indexes; does the same request, made again with memory and by
 // another thread, leave what it leaves when nothing ever failed?
+#include "../../support/HashIndex.h"
 #include "../metaclass/TestClasses.h"
 #include "FailingAllocations.h"
 #include "TableWalk.h"
@@ -110,6 +111,21 @@ static const Row kRows[] = {
     {"Constructor", kThrows, ASK(new LYRSysTSMetaClassExt(&kId, kName, nullptr, KeptExtension))},
     {"ExtensionOf", kPlain, DO(LYRSysTSMetaClassExt::AddExtendedComponent(Class(kName), "Other")),
      [] { Class(kName, KeptExtension); }, Extends},
+    // An absence that is met before the class is listed is not remembered.
+    {"ExtensionMissed", kPartly | kLoose,
+     DO(LYRSysTSMetaClassExt::AddExtendedComponent(Class("GadgetExt"), "Device")),
+     [] {
+         Loader::LoadLibrary("LyrTestParts");
+         for (const char* full : {"A", "B"}) {
+             LYRSysTSMetaClassExt::AddExtendedComponent(Class("GadgetExt"), full);
+         }
+         Add("Device", "I0", "LyrTestParts", nullptr, "GadgetExt");
+         Gadget(), meta = Impl("Device");
+     },
+     [] {
+         auto* const extension = dynamic_cast<LYRSysTSMetaClassExt*>(Class("GadgetExt"));
+         return failures.failed > 0 ? Search(0) != nullptr : extension->IsExtensionOf(meta);
+     }},
     {"Extension", kThrows | kPartly,
      ASK(Dictionary::FindOrCreateMetaObject(kName, KeptExtension, &kId, nullptr, "Other")), Nothing,
      Extends},
@@ -240,3 +256,20 @@ TEST_P(Allocations, FailInTurn) {
 
 INSTANTIATE_TEST_SUITE_P(, Allocations, testing::Range<std::size_t>(0, std::size(kRows)),
                          [](const auto& row) { return kRows[row.param].name; });
+
+TEST(HashIndex, TakesMoreWhileSlotsAreFreeWhenItCannotGrow) {
+    static constinit lyr::HashIndex<const std::size_t, lyr::Readers::kUnderLock> index;
+    std::size_t numbers[64], count = 0;
+    const auto find = [&](std::size_t number) {
+        const auto is = [=](std::size_t known) { return known == number; };
+        return index.Find(number << 56 | number / 40, is);
+    };
+    for (; index.Reserve(); ++count) {
+        failures = {1, true, 0};
+        numbers[count] = count;
+        index.Add(count << 56 | count / 40, &numbers[count]);
+    }
+    failures.next = 0;
+    EXPECT_EQ(count, 63U);
+    for (std::size_t i = 0; i < 64; ++i) EXPECT_EQ(find(i), i < 63 ? &numbers[i] : nullptr);
+}

@@ -1,6 +1,8 @@
 #include "TestClasses.h"
 
 #include <algorithm>
+#include <dlfcn.h>
+#include <future>
 
 TEST(FactoryTable, OrdersByUnsignedLittleEndianWordsAndFindsEveryAddition) {
     auto* meta = Impl("Gadget");
@@ -90,6 +92,65 @@ TEST(FactorySearch, ThatEndsLastAnswersWhatOthersHaveFound) {
     EXPECT_EQ(base->derived->QueryDerivationInterfaceFactory(Id(1)), Creator(1));
     for (int i = 2; i < 9; ++i) base->derived->_AddInterfaceFactory(Id(i), Creator(2));
     EXPECT_EQ(base->derived->_GetInterfaceFactory(Id(1)), Creator(1));
+}
+
+/// Has the library LyrTestHook, which knows the extension "Extra", call the function as it loads,
+/// and a class to ask for I1, which "Extra" implements, and for I2, for which no library is named.
+static LYRSysTSMetaClassImpl* HookedGadget(void (*hook)()) {
+    UseDictionaryPath("");
+    Add("Hook", "CreateInterface", nullptr, nullptr, nullptr, reinterpret_cast<Factory>(hook));
+    for (const int i : {1, 2}) {
+        LYRSysTSDicoIIDName::AddDicoIIDName(Id(i), ("I" + std::to_string(i)).c_str());
+        Add("Gadget", ("I" + std::to_string(i)).c_str(), i == 1 ? "LyrTestHook" : nullptr, nullptr,
+            "Extra");
+    }
+    return Impl("Gadget");
+}
+
+static void ExtendGadget() {
+    LYRSysTSMetaClassExt::AddExtendedComponent(Class("Extra", KeptExtension), "Gadget");
+}
+
+TEST(FactorySearch, HoldsUpNoLoadAndRemembersNoAbsenceThatItMeetsBesideOne) {
+    Class("Extra", KeptExtension);
+    auto* const gadget = HookedGadget([] {  // the load waits for the request
+        std::thread([] {
+            for (const int i : {1, 2, 1}) {
+                EXPECT_EQ(Impl("Gadget")->QueryDerivationInterfaceFactory(Id(i)), nullptr);
+                EXPECT_EQ(Impl("Gadget")->_GetInterfaceFactory(Id(i)), nullptr);
+            }
+        }).join();
+    });
+    EXPECT_NE(LYRThrLibraryManager::LoadLibrary("LyrTestHook"), nullptr);
+    ExtendGadget();
+    EXPECT_NE(gadget->QueryDerivationInterfaceFactory(Id(1)), nullptr);
+    EXPECT_EQ(gadget->QueryDerivationInterfaceFactory(Id(2)), nullptr);
+    EXPECT_EQ(gadget->_GetInterfaceFactory(Id(2)), &_LYRSysTSNoSuchInterface);
+}
+
+static std::promise<void> isMade;
+
+TEST(FactorySearch, WaitsUntilALibraryThatTheProgramLoadsHasNamedTheClass) {
+    auto* const gadget = HookedGadget([] {
+        Class("Extra", KeptExtension);
+        isMade.set_value();
+        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+        ExtendGadget();
+    });
+    const std::jthread loader([] { dlopen("libLyrTestHook.so", RTLD_NOW); });
+    isMade.get_future().wait();
+    EXPECT_NE(gadget->QueryDerivationInterfaceFactory(Id(1)), nullptr);
+}
+
+TEST(FactoryCache, AnswersAsTheTableDoesAlsoAfterAnAddition) {
+    UseDictionaryPath("");
+    auto* const meta = Impl("Gadget");
+    for (int i = 1; i < 4; ++i) EXPECT_EQ(meta->QueryDerivationInterfaceFactory(Id(1)), nullptr);
+    for (int i = 1; i < 9; ++i) {  // the first factory stays, and comes before the absence
+        meta->_AddInterfaceFactory(Id(1 + i / 8), Creator(static_cast<unsigned>(i)));
+        EXPECT_EQ(meta->_GetInterfaceFactory(Id(1)), Creator(1));
+        EXPECT_EQ(meta->QueryDerivationInterfaceFactory(Id(1)), Creator(1));
+    }
 }
 
 TEST(FactoryCache, ForgetsWithTheMetaObject) {

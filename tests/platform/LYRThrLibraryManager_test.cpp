@@ -1,7 +1,13 @@
 #include "LYRThrLibraryManager.h"
 
+#include <dlfcn.h>
+#include <filesystem>
+#include <future>
 #include <gtest/gtest.h>
+#include <sched.h>
 #include <string>
+#include <sys/mount.h>
+#include <sys/resource.h>
 
 #define IN_DIRECTORY(name) LYR_TEST_LIBRARY_DIR "/" name
 
@@ -12,7 +18,6 @@ TEST(LYRThrLibraryManager, FindsOnlyWhatTheLibraryItselfDefines) {
     EXPECT_EQ(reinterpret_cast<int (*)()>(find("PlatformUser", "PlatformAnswer"))(), 42);
     EXPECT_EQ(*static_cast<void**>(find("PlatformUser", "PlatformEarly")),
               find("PlatformProvider", "PlatformProvided"));
-    EXPECT_TRUE(*static_cast<const bool*>(find("PlatformUser", "PlatformIsAwaited")));
     for (const char* symbol : {"PlatformProvided", "malloc", "PlatformMissing"}) {
         EXPECT_EQ(find("PlatformUser", symbol), nullptr);
         EXPECT_NE(Manager::LastFailure().find(symbol), std::string::npos);
@@ -23,8 +28,9 @@ TEST(LYRThrLibraryManager, FindsOnlyWhatTheLibraryItselfDefines) {
 TEST(LYRThrLibraryManager, AllFormsOfANameReachOneFileAndNothingElseDoes) {
     void* const handle = Manager::LoadLibrary("PlatformUser");
     ASSERT_NE(handle, nullptr) << Manager::LastFailure();
-    for (const char* name : {"libPlatformUser", "libPlatformUser.so", "PlatformUser.so",
-                             IN_DIRECTORY("PlatformUser"), IN_DIRECTORY("libPlatformUser.so")}) {
+    for (const char* name :
+         {"libPlatformUser", "libPlatformUser.so", "PlatformUser.so", IN_DIRECTORY("PlatformUser"),
+          IN_DIRECTORY("libPlatformUser"), IN_DIRECTORY("libPlatformUser.so")}) {
         EXPECT_EQ(Manager::LoadLibrary(name), handle) << name;
     }
     for (const char* name : {static_cast<const char*>(nullptr), "", "/", "PlatformUse"}) {
@@ -39,4 +45,51 @@ TEST(LYRThrLibraryManager, AnAbsentFileDoesNotHideWhyAnotherDoesNotLoad) {
         EXPECT_EQ(Manager::LoadLibrary(name), nullptr);
         EXPECT_NE(Manager::LastFailure().find("PlatformDefinedNowhere"), std::string::npos);
     }
+}
+
+TEST(LYRThrLibraryManager, KnowsWhetherALibraryMayBeLoadingWithoutWaiting) {
+    const auto isLoading = [] { return Manager::MayHaveBeenLoadingSince(Manager::LoadsEnded()); };
+    void* const found = Manager::GetFunctionAddress("PlatformUser", "PlatformIsLoading");
+    EXPECT_TRUE(found != nullptr && *static_cast<bool*>(found) && !isLoading());
+    // What the program loads by itself has ended where there is nobody else to do it.
+    ::dlopen(IN_DIRECTORY("libLyrTestParts.so"), RTLD_NOW);
+    EXPECT_FALSE(isLoading());
+    const std::uint64_t before = Manager::LoadsEnded();
+    std::promise<void> end;
+    const auto other = std::async(std::launch::async, [&] { end.get_future().wait(); });
+    ::dlopen(IN_DIRECTORY("libLyrTestHook.so"), RTLD_NOW);
+    EXPECT_TRUE(isLoading());
+    Manager::LoadLibrary("PlatformAbsent");
+    EXPECT_TRUE(!isLoading() && Manager::MayHaveBeenLoadingSince(before));
+    end.set_value();
+}
+
+TEST(LYRThrLibraryManager, TellsAShortageFromWhatDoesNotPass) {
+    bool mayPass = true;
+    EXPECT_EQ(Manager::TryLoadLibrary("PlatformAbsent", mayPass), nullptr);
+    EXPECT_FALSE(mayPass);
+    rlimit files{};
+    ::getrlimit(RLIMIT_NOFILE, &files);
+    const rlimit none{0, files.rlim_max};
+    ::setrlimit(RLIMIT_NOFILE, &none);
+    EXPECT_EQ(Manager::TryGetFunctionAddress("PlatformUser", "PlatformAnswer", mayPass), nullptr);
+    EXPECT_TRUE(mayPass);
+    ::setrlimit(RLIMIT_NOFILE, &files);
+    EXPECT_NE(Manager::TryGetFunctionAddress("PlatformUser", "PlatformAnswer", mayPass), nullptr);
+    EXPECT_FALSE(mayPass);
+}
+
+TEST(LYRThrLibraryManager, AFileSystemThatForbidsExecutionIsNoShortage) {
+    if (::unshare(CLONE_NEWNS) != 0) GTEST_SKIP() << "only root may mount one";
+    ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr);
+    const std::string file = testing::TempDir() + "libPlatformProvider.so";
+    ASSERT_EQ(::mount("none", testing::TempDir().c_str(), "tmpfs", MS_NOEXEC, nullptr), 0);
+    std::filesystem::copy_file(IN_DIRECTORY("libPlatformProvider.so"), file);
+    bool mayPass = true;
+    EXPECT_EQ(Manager::TryLoadLibrary(file.c_str(), mayPass), nullptr);
+    EXPECT_FALSE(mayPass) << Manager::LastFailure();
+}
+
+TEST(LYRThrLibraryManager, AnExceptionOutOfAnInitialiserEndsTheProcess) {
+    EXPECT_DEATH(Manager::LoadLibrary("PlatformThrowing"), "int");
 }

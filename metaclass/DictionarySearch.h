@@ -1,0 +1,52 @@
+#pragma once
+
+#include "GUID.h"
+#include "LYRSysTSInterfaceFactory.h"
+
+#include <cstdint>
+
+class LYRSysTSMetaClass;
+class LYRSysTSMetaClassBase;
+class LYRSysTSMetaClassExt;
+
+namespace lyr {
+
+struct EntryCopy;
+
+/// What a search has found. Of an absence, `mayPass` tells that the next search may find more, so
+/// that nobody remembers it: something was short on the way, or a library was loading, which
+/// registers what it has one by one.
+struct SearchResult {
+    LYRSysTSInterfaceFactory factory = nullptr;
+    bool mayPass = false;
+};
+
+/// The search for one interface of one class, in the dictionary and in the libraries that it names.
+/// The bases of the class do not count.
+class DictionarySearch {
+public:
+    /// Both must outlive the object.
+    DictionarySearch(const LYRSysTSMetaClass& asked, const GUID& iid) : _asked(asked), _iid(iid) {}
+
+    SearchResult Run();
+
+private:
+    LYRSysTSInterfaceFactory Find();
+    bool LeafImplements(const char* leaf) const;
+    bool Extends(const EntryCopy& entry);
+    bool Lists(LYRSysTSMetaClassExt& extension);
+    LYRSysTSMetaClassBase* FindOrLoadClass(const char* name, const char* library);
+    LYRSysTSInterfaceFactory FindEntryPoint(const EntryCopy& entry, const char* interfaceName);
+
+    // What a look finds missing is missing for good only if no library has been loading since the
+    // look began. One that the search has loaded itself does not count.
+    void BeginLook();
+    bool MayHaveBeenLoading() const;
+
+    const LYRSysTSMetaClass& _asked;
+    const GUID& _iid;
+    std::uint64_t _loadsEnded = 0;
+    bool _mayPass = false;
+};
+
+}  // namespace lyr

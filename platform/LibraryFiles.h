@@ -1,0 +1,24 @@
+#pragma once
+
+namespace lyr {
+
+/// The files that the name of a library may mean, in the order of trying. Without memory of the
+/// heap, so that a shortage here is not taken for an absent library.
+class LibraryFiles {
+public:
+    /// `name` must outlive the object, and is not null.
+    explicit LibraryFiles(const char* name);
+
+    /// The next file; null after the last one. Valid until the next call.
+    const char* Next();
+
+private:
+    static constexpr int kFileSize = 8192;  // longer than any path that the system opens
+
+    const char* const _name;
+    const char* const _base;  // what stands behind the last "/"
+    int _next = 0;
+    char _file[kFileSize];
+};
+
+}  // namespace lyr

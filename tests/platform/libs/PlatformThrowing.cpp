@@ -1,0 +1,1 @@
+static const int thrown = []() -> int { throw 7; }();
