@@ -10,7 +10,7 @@ namespace lyr {
 
 namespace {
 
-constinit std::atomic<std::uint64_t> ended = 0;
+constinit std::atomic<std::uint64_t> knownToHaveEnded = 0;
 constinit std::atomic<unsigned> running = 0;
 
 /// How many libraries the loader has mapped.
@@ -27,7 +27,7 @@ std::uint64_t CountMapped() {
 // While this library loads. If it comes with the program, so do all that are mapped by now, and
 // their initialisers run in one thread.
 [[gnu::constructor]] void EndThoseOfTheStart() {
-    ended = CountMapped();
+    knownToHaveEnded = CountMapped();
 }
 
 void EndThoseMapped() {
@@ -37,15 +37,16 @@ void EndThoseMapped() {
     // Asks for the program itself, and so does nothing but take its turn.
     ::dlopen(nullptr, RTLD_NOW | RTLD_LOCAL | RTLD_NOLOAD);
     // Release: whoever reads the number sees what those initialisers have done.
-    while (known < mapped && !ended.compare_exchange_weak(known, mapped, std::memory_order_release,
-                                                          std::memory_order_relaxed)) {
+    while (known < mapped &&
+           !knownToHaveEnded.compare_exchange_weak(known, mapped, std::memory_order_release,
+                                                   std::memory_order_relaxed)) {
     }
 }
 
 }  // namespace
 
 std::uint64_t Loads::Ended() {
-    return ended.load(std::memory_order_acquire);
+    return knownToHaveEnded.load(std::memory_order_acquire);
 }
 
 bool Loads::MayHaveBeenRunningSince(std::uint64_t ended) {
