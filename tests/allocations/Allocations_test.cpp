@@ -124,7 +124,9 @@ static const Row kRows[] = {
      },
      [] {
          auto* const extension = dynamic_cast<LYRSysTSMetaClassExt*>(Class("GadgetExt"));
-         return failures.failed > 0 ? Search(0) != nullptr : extension->IsExtensionOf(meta);
+         static bool hasMissed = false;
+         hasMissed = hasMissed || failures.failed > 0;
+         return hasMissed ? Search(0) != nullptr : extension->IsExtensionOf(meta);
      }},
     {"Extension", kThrows | kPartly,
      ASK(Dictionary::FindOrCreateMetaObject(kName, KeptExtension, &kId, nullptr, "Other")), Nothing,
