@@ -13,12 +13,12 @@ EntryCopy Copy(LYRSysTSInfoDic* record) {
 
 }  // namespace
 
-EntryCopy EntryCopy::Of(const char* className, const char* interfaceName) {
-    return DictionaryTables::ReadEntry(className, interfaceName, 1, &Copy);
+EntryCopy EntryCopy::Of(const char* className, const char* interfaceName, short load) {
+    return DictionaryTables::ReadEntry(className, interfaceName, load, &Copy);
 }
 
-EntryCopy EntryCopy::Of(const GUID& clsid, const GUID& iid) {
-    return DictionaryTables::ReadEntry(clsid, iid, 1, &Copy);
+EntryCopy EntryCopy::Of(const GUID& clsid, const GUID& iid, short load) {
+    return DictionaryTables::ReadEntry(clsid, iid, load, &Copy);
 }
 
 }  // namespace lyr

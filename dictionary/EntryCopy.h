@@ -13,9 +13,9 @@ struct EntryCopy {
     const char* leaf = nullptr;
     const char* extension = nullptr;
 
-    /// The entry of the pair, after the dictionary files have been read. A null name has none.
-    static EntryCopy Of(const char* className, const char* interfaceName);
-    static EntryCopy Of(const GUID& clsid, const GUID& iid);
+    /// The entry of the pair; `load` as in the dictionary's queries. A null name has none.
+    static EntryCopy Of(const char* className, const char* interfaceName, short load);
+    static EntryCopy Of(const GUID& clsid, const GUID& iid, short load);
 };
 
 }  // namespace lyr

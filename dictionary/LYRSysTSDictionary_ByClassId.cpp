@@ -4,6 +4,7 @@
 #include "LYRSysTSMetaClass.h"
 #include "dictionary/Addition.h"
 #include "dictionary/DictionaryTables.h"
+#include "dictionary/InterfaceName.h"
 #include "dictionary/PairKey.h"
 #include "support/ByteSum.h"
 #include "support/GuidBytes.h"
@@ -71,7 +72,13 @@ LYRSysTSMetaClass* LYRSysTSDictionary::QueryMetaObject(const GUID& clsid) {
 }
 
 const char* LYRSysTSDictionary::GetInterfaceName(const GUID& iid) {
-    const LYRSysTSMetaClass* const metaObject = QueryMetaObject(iid);
+    return lyr::InterfaceName(iid, 1);
+}
+
+const char* lyr::InterfaceName(const GUID& iid, short load) {
+    using Tables = DictionaryTables;
+    const LYRSysTSMetaClass* const metaObject =
+        Tables::ReadEntry(iid, CLSID_LYRSysTSMetaClass, load, &Tables::MetaObject);
     const char* const name = metaObject != nullptr ? metaObject->IsA() : nullptr;
     return name != nullptr ? name : LYRSysTSDicoIIDName::QueryDicoIIDNameByIID(iid);
 }

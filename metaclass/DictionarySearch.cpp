@@ -6,6 +6,7 @@
 #include "LYRThrLibraryManager.h"
 #include "dictionary/DictionaryScan.h"
 #include "dictionary/EntryCopy.h"
+#include "dictionary/InterfaceName.h"
 #include "support/AddressCast.h"
 #include "support/Shortage.h"
 
@@ -61,23 +62,25 @@ private:
 }  // namespace
 
 SearchResult DictionarySearch::Run() {
-    _mayPass = !EnsureDictionaryFilesAreRead();
+    _filesAreRead = EnsureDictionaryFilesAreRead();
+    _mayPass = !_filesAreRead;
     BeginLook();
     const LYRSysTSInterfaceFactory factory = Find();
     return {factory, factory == nullptr && (_mayPass || MayHaveBeenLoading())};
 }
 
-// Each of the look-ups asks for the dictionary files by itself: without a path to them, each says
-// so again.
 LYRSysTSInterfaceFactory DictionarySearch::Find() {
+    // Each of the look-ups asks for the dictionary files by itself: without a path to them, each
+    // says so again. But what has just failed is not tried again at once.
+    const short load = _filesAreRead ? 1 : 0;
     const GUID* const clsid = _asked.GetClassId();
-    const EntryCopy known = clsid != nullptr ? EntryCopy::Of(*clsid, _iid) : EntryCopy{};
+    const EntryCopy known = clsid != nullptr ? EntryCopy::Of(*clsid, _iid, load) : EntryCopy{};
     // What stands under this id is a meta-object, and no factory.
     if (_iid == CLSID_LYRSysTSMetaClass) return nullptr;
     if (known.creator != nullptr) return known.library != nullptr ? known.creator : nullptr;
 
-    const char* const interfaceName = LYRSysTSDictionary::GetInterfaceName(_iid);
-    const EntryCopy entry = EntryCopy::Of(_asked.IsA(), interfaceName);
+    const char* const interfaceName = InterfaceName(_iid, load);
+    const EntryCopy entry = EntryCopy::Of(_asked.IsA(), interfaceName, load);
     if (entry.record == nullptr || entry.library == nullptr) return nullptr;
     if (entry.leaf != nullptr && !LeafImplements(entry.leaf)) return nullptr;
     if (entry.extension != nullptr && !Extends(entry)) return nullptr;

@@ -46,6 +46,7 @@ private:
     const LYRSysTSMetaClass& _asked;
     const GUID& _iid;
     std::uint64_t _loadsEnded = 0;
+    bool _filesAreRead = false;
     bool _mayPass = false;
 };
 

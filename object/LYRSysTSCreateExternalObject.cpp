@@ -23,7 +23,7 @@ CreationFunction FindEntryPoint(const char* className, const char* library) {
 /// The function that creates objects of the class: the registered one, else that of the caller's
 /// library, else that of the dictionary's.
 CreationFunction FindCreationFunction(const char* className, const char* library) {
-    const auto entry = lyr::EntryCopy::Of(className, "CreateInterface");
+    const auto entry = lyr::EntryCopy::Of(className, "CreateInterface", 1);
     if (entry.creator != nullptr) {
         return lyr::ToFunction<CreationFunction>(reinterpret_cast<void*>(entry.creator));
     }

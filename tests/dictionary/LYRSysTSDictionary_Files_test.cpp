@@ -3,7 +3,6 @@
 
 #include <fcntl.h>
 #include <future>
-#include <sys/resource.h>
 #include <unistd.h>
 
 TEST(DictionaryFiles, EveryRequestAsksAgainUntilThePathIsSetAndNotBanned) {
@@ -37,24 +36,6 @@ TEST(DictionaryFiles, TheStepsOfTheScanAnswerOutsideItToo) {
     EXPECT_EQ(Dictionary::_ReadDictionary(nullptr, &refuser), E_FAIL);
     EXPECT_EQ(Dictionary::_ReadDictionary(path.c_str(), nullptr), E_FAIL);
     EXPECT_EQ(Dictionary::_DicoIsAlreadyRead("a.dicts"), 0);
-}
-
-TEST(DictionaryFiles, AreReadAgainWhenFileDescriptorsWereShort) {
-    const TempDirectory files;
-    files.Write("a.dicts", "C I L\n");
-    UseDictionaryPath(files.path);
-    rlimit before{};
-    ::getrlimit(RLIMIT_NOFILE, &before);
-    const auto findWith = [&](rlim_t descriptors) {
-        const rlimit limit{descriptors, before.rlim_max};
-        ::setrlimit(RLIMIT_NOFILE, &limit);
-        const Record* const found = Dictionary::QueryDictionary("C", "I", 1);
-        ::setrlimit(RLIMIT_NOFILE, &before);
-        return found;
-    };
-    ExpectErrors("Error : scandir on " + files.path + "\n--> scandir(): Too many open files\n",
-                 [&] { EXPECT_EQ(findWith(0), nullptr); });
-    ExpectErrors("", [&] { EXPECT_NE(findWith(before.rlim_cur), nullptr); });
 }
 
 TEST(DictionaryFiles, OneThreadAtATimeAddsToTheRegistries) {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <dlfcn.h>
 #include <future>
+#include <sys/resource.h>
 
 TEST(FactoryTable, OrdersByUnsignedLittleEndianWordsAndFindsEveryAddition) {
     auto* meta = Impl("Gadget");
@@ -115,8 +116,10 @@ TEST(FactorySearch, HoldsUpNoLoadAndRemembersNoAbsenceThatItMeetsBesideOne) {
     Class("Extra", KeptExtension);
     auto* const gadget = HookedGadget([] {  // the load waits for the request
         std::thread([] {
+            auto* const derived = Impl("Derived", Impl("Gadget"));
             for (const int i : {1, 2, 1}) {
-                EXPECT_EQ(Impl("Gadget")->QueryDerivationInterfaceFactory(Id(i)), nullptr);
+                EXPECT_EQ(derived->QueryDerivationInterfaceFactory(Id(i)), nullptr);
+                EXPECT_EQ(derived->_GetInterfaceFactory(Id(i)), nullptr);
                 EXPECT_EQ(Impl("Gadget")->_GetInterfaceFactory(Id(i)), nullptr);
             }
         }).join();
@@ -126,6 +129,22 @@ TEST(FactorySearch, HoldsUpNoLoadAndRemembersNoAbsenceThatItMeetsBesideOne) {
     EXPECT_NE(gadget->QueryDerivationInterfaceFactory(Id(1)), nullptr);
     EXPECT_EQ(gadget->QueryDerivationInterfaceFactory(Id(2)), nullptr);
     EXPECT_EQ(gadget->_GetInterfaceFactory(Id(2)), &_LYRSysTSNoSuchInterface);
+}
+
+TEST(FactorySearch, RemembersNoAbsenceForWantOfFileDescriptorsAndReadsTheFilesAgain) {
+    const PartsFiles files;
+    const auto searchWith = [](rlim_t descriptors) {
+        rlimit before{};
+        ::getrlimit(RLIMIT_NOFILE, &before);
+        const rlimit limit{std::min(descriptors, before.rlim_cur), before.rlim_max};
+        ::setrlimit(RLIMIT_NOFILE, &limit);
+        const Factory found = Impl("Gadget")->QueryDerivationInterfaceFactory(Id(1));
+        ::setrlimit(RLIMIT_NOFILE, &before);
+        return found;
+    };
+    ExpectErrors("Error : scandir on " + files.path + "\n--> scandir(): Too many open files\n",
+                 [&] { EXPECT_EQ(searchWith(0), nullptr); });
+    ExpectErrors("", [&] { EXPECT_NE(searchWith(RLIM_INFINITY), nullptr); });
 }
 
 static std::promise<void> isMade;
