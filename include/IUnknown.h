@@ -17,4 +17,9 @@ public:
     virtual std::uint32_t AddRef() = 0;
     /// Gives one count back; the result is the new one, and at 0 the object is gone.
     virtual std::uint32_t Release() = 0;
+
+protected:
+    // Not virtual: the table of an interface holds its operations alone. Protected in every
+    // interface, so that nobody deletes through one.
+    ~IUnknown() = default;
 };

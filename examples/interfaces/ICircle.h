@@ -14,4 +14,7 @@ class LYR_EXPORT ICircle : public IShape {
 public:
     virtual double Radius() const = 0;
     virtual void SetRadius(double radius) = 0;
+
+protected:
+    ~ICircle() = default;
 };

@@ -10,4 +10,7 @@ class LYR_EXPORT IColor : public IUnknown {
 public:
     virtual std::uint32_t Color() const = 0;
     virtual void SetColor(std::uint32_t color) = 0;
+
+protected:
+    ~IColor() = default;
 };

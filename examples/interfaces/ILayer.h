@@ -10,4 +10,7 @@ class LYR_EXPORT ILayer : public IUnknown {
 public:
     virtual int Layer() const = 0;
     virtual void SetLayer(int layer) = 0;
+
+protected:
+    ~ILayer() = default;
 };

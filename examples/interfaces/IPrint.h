@@ -9,4 +9,7 @@ inline constexpr IID IID_IPrint{
 class LYR_EXPORT IPrint : public IUnknown {
 public:
     virtual void Print() = 0;
+
+protected:
+    ~IPrint() = default;
 };

@@ -9,4 +9,7 @@ inline constexpr IID IID_IShape{
 class LYR_EXPORT IShape : public IUnknown {
 public:
     virtual double Area() const = 0;
+
+protected:
+    ~IShape() = default;
 };

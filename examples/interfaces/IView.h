@@ -11,4 +11,7 @@ public:
     /// Shows the shape `factor` times as wide and as high; 1 at first.
     virtual void Zoom(double factor) = 0;
     virtual double VisibleArea() const = 0;
+
+protected:
+    ~IView() = default;
 };

@@ -9,4 +9,7 @@ inline constexpr IID IID_IGreeter{
 class LYR_EXPORT IGreeter : public IUnknown {
 public:
     virtual void Greet(const char* name) const = 0;
+
+protected:
+    ~IGreeter() = default;
 };

@@ -24,7 +24,7 @@ TEST(DictionaryFiles, EveryRequestAsksAgainUntilThePathIsSetAndNotBanned) {
 TEST(DictionaryFiles, TheStepsOfTheScanAnswerOutsideItToo) {
     static const int file = ::dup(0);
     ::close(file);
-    struct : LYRSysTSDictionaryReader {
+    struct Refuser final : LYRSysTSDictionaryReader {
         HRESULT PutInfo(char**, int, const char*, int) override {
             EXPECT_EQ(::fcntl(file, F_GETFD), FD_CLOEXEC) << "others inherit the file";
             return E_FAIL;

@@ -81,6 +81,9 @@ template <typename Class>
 struct Derived : Class {
     using Class::Class;
     virtual void Next() {}
+
+protected:
+    ~Derived() = default;  // NOLINT(modernize-use-override): not every Class has a virtual one
 };
 
 template <typename Class>
@@ -107,7 +110,7 @@ TEST(Layout, VirtualFunctionsStandInTheirSlots) {
     EXPECT_EQ(SlotsOf<IUnknown>(), 3);
     EXPECT_EQ(Slot(&Object::GetMetaObject), 3);
     EXPECT_EQ(SlotsOf<Object>(), 6);
-    EXPECT_EQ(SlotsOf<LYRSysTSDicReader>(), 1);
+    EXPECT_EQ(SlotsOf<LYRSysTSDictionaryReader>(), 1);
     EXPECT_EQ(SlotsOf<Link>(), 2);
     EXPECT_EQ(SlotsOf<LYRSysTSRefCounterUnknown>(), 2);
 }
