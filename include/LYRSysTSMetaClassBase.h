@@ -17,6 +17,8 @@ public:
     /// Destruct alone. One thread at a time may make one: LYRSysTSFindOrCreateMetaObject sees to
     /// that. Throws std::bad_alloc, with the object off the list.
     LYRSysTSMetaClassBase(const GUID* clsid, const char* name, LYRSysTSMetaClass* base);
+    LYRSysTSMetaClassBase(const LYRSysTSMetaClassBase&) = delete;
+    LYRSysTSMetaClassBase& operator=(const LYRSysTSMetaClassBase&) = delete;
 
     using LYRSysTSMetaClass::IsAKindOf;
 

@@ -16,6 +16,8 @@ public:
     /// As LYRSysTSMetaClassBase; `type` says how instances live and is not checked.
     LYRSysTSMetaClassExt(const GUID* clsid, const char* name, LYRSysTSMetaClass* base,
                          LYRSysTSTypeOfClass type);
+    LYRSysTSMetaClassExt(const LYRSysTSMetaClassExt&) = delete;
+    LYRSysTSMetaClassExt& operator=(const LYRSysTSMetaClassExt&) = delete;
     ~LYRSysTSMetaClassExt() override;
 
     LYRSysTSMetaClassExt* CastToMetaExtension() override;

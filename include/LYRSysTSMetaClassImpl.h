@@ -28,6 +28,8 @@ class LYR_EXPORT LYRSysTSMetaClassImpl : public LYRSysTSMetaClassBase {
 public:
     /// As LYRSysTSMetaClassBase.
     LYRSysTSMetaClassImpl(const GUID* clsid, const char* name, LYRSysTSMetaClass* base);
+    LYRSysTSMetaClassImpl(const LYRSysTSMetaClassImpl&) = delete;
+    LYRSysTSMetaClassImpl& operator=(const LYRSysTSMetaClassImpl&) = delete;
     ~LYRSysTSMetaClassImpl() override;
 
     /// Looks in the table, then in the dictionary and the library that it names, then asks the
