@@ -39,3 +39,4 @@
 #include "LYRSysTSTIEInternal.h"
 #include "LYRSysTSTypeOfClass.h"
 #include "LYRThrLibraryManager.h"
+#include "LYRVersion.h"

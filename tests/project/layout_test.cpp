@@ -115,4 +115,9 @@ TEST(Layout, VirtualFunctionsStandInTheirSlots) {
     EXPECT_EQ(SlotsOf<LYRSysTSRefCounterUnknown>(), 2);
 }
 
+TEST(Version, IsOneForHeadersLibraryAndPackage) {
+    EXPECT_EQ(LYRVersion(), LYR_VERSION);
+    EXPECT_STREQ(LYRVersionText(), LYR_PACKAGE_VERSION);
+}
+
 }  // namespace
