@@ -58,7 +58,8 @@ void UseExtensions(const Ref<IUnknown>& circle) {
 
 /// Registers in code what a line of a ".dicts" file would say, and traces it.
 void LetSquaresHaveLayers() {
-    std::printf("   the application registers that ShapeLayer serves squares too\n");
+    std::printf(
+        "   the application registers that ShapeLayer serves squares too; the trace of it:\n");
     const char* library = "libDrawingAnnotations";
     LYRSysTSDictionary::AddDictionaryTS("Square", "ILayer", library, nullptr, "ShapeLayer", nullptr,
                                         nullptr);
