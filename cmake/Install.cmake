@@ -5,8 +5,6 @@ include(CMakePackageConfigHelpers)
 set(packageDir ${CMAKE_INSTALL_LIBDIR}/cmake/LYRComponentModel)
 set(pkgConfigDir ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 
-# libLYRSysTS stands beside libLYRComponentModel, wherever that is.
-set_target_properties(LYRComponentModel PROPERTIES INSTALL_RPATH "$ORIGIN")
 install(TARGETS LYRComponentModel LYRSysTS EXPORT LYRComponentModelTargets)
 install(DIRECTORY include/ platform/include/
     DESTINATION ${LYR_INSTALL_INCLUDEDIR}

@@ -20,11 +20,16 @@ mkdir "$work/pkg-config"
 cd "$work/pkg-config"
 PKG_CONFIG_PATH=$(dirname "$(find "$prefix" -name LYRComponentModel.pc)")
 export PKG_CONFIG_PATH
-read -ra flags <<<"$(pkg-config --cflags LYRComponentModel)"
-flags+=("-I$source/../support")
-read -ra libs <<<"$(pkg-config --libs LYRComponentModel)"
+libdir=$(dirname "$PKG_CONFIG_PATH") flags=() libs=()
+eval "flags=($(pkg-config --cflags LYRComponentModel) '-I$source/../support')"
+eval "libs=($(pkg-config --libs LYRComponentModel))"
 "$compiler" -std=c++17 -shared -fPIC "${flags[@]}" "$source/Greeter.cpp" "${libs[@]}" -o libGreeter.so
-"$compiler" -std=c++17 "${flags[@]}" "$source/main.cpp" "${libs[@]}" -o greet
-LD_LIBRARY_PATH=$(pkg-config --variable=libdir LYRComponentModel)
-export LD_LIBRARY_PATH
-"$source/run" . | diff -u "$source/expected-output.txt" -
+
+# An old run path leads to the components too, a new one to libLYRComponentModel alone.
+"$compiler" -std=c++17 "${flags[@]}" "$source/main.cpp" "${libs[@]}" -o greet \
+    -Wl,--disable-new-dtags "-Wl,-rpath,$libdir" "-Wl,-rpath,\$ORIGIN"
+LYRDictionaryPath=$source/dictionary ./greet | diff -u "$source/expected-output.txt" -
+echo 'int main() { return LYRVersion() != LYR_VERSION; }' >version.cpp
+"$compiler" -std=c++17 "${flags[@]}" -include LYRVersion.h version.cpp -o version \
+    -Wl,--as-needed "${libs[@]}" -Wl,--enable-new-dtags "-Wl,-rpath,$libdir"
+./version
