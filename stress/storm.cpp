@@ -264,7 +264,7 @@ struct Files : TempDirectory {
     Files() {
         std::string ids, classes, entries;
         for (unsigned n = 0; n < kLibraries; ++n) {
-            const std::string number = std::to_string(n), library = " " STORM_LIBRARY + number;
+            const std::string number = std::to_string(n), library = " StormLibrary" + number;
             const std::string id = "{0000000" + number + "-000", rest = "-0000-0000-000000000000} ";
             classes += id + "8" + rest + "Storm" + library + "\n";
             entries += "Made" + number + " CreateInterface" + library + "\n";
