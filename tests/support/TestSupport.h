@@ -70,7 +70,9 @@ inline std::string Entry(const char* className) {
 /// A directory of its own, gone at the end of the test.
 class TempDirectory {
 public:
-    TempDirectory() { path = ::mkdtemp((testing::TempDir() + "lyrXXXXXX").data()); }
+    TempDirectory() {
+        path = ::mkdtemp((std::filesystem::temp_directory_path() / "lyrXXXXXX").string().data());
+    }
     ~TempDirectory() { std::filesystem::remove_all(path); }
     TempDirectory(const TempDirectory&) = delete;
     TempDirectory& operator=(const TempDirectory&) = delete;
