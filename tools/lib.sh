@@ -1,28 +1,54 @@
 # shellcheck shell=bash # it is sourced, never run
 # Sourced by the tools: goes to the root of the tree, and offers what they share.
-set -euo pipefail
-cd "$(dirname "${BASH_SOURCE[0]}")/.."
+cd "$(dirname "${BASH_SOURCE[0]}")/.." || exit
+
+# Whatever a tool or its tests leave in the temporary folder, however they end, goes with the tool.
+TMPDIR=$(mktemp -d)
+export TMPDIR
+trap 'rm -rf "$TMPDIR"' EXIT
+
+terminal=0
+if [[ -t 1 && ${TERM-dumb} != dumb ]]; then terminal=1; fi
 
 say() { echo "== $*"; }
 
-# quietly <command>...: its output is shown only when it fails.
+# tell [text]: on a terminal, one line that moves: each text takes the place of the one before.
+tell() { ((!terminal)) || printf '\r\e[K\e[?7l%s\e[?7h' "${*//[^[:print:]]/ }"; }
+
+# watch <log>: adds what it reads to the file. From the second second on it tells the latest line,
+# and where no terminal is, says each quarter of what is counted like "12/102".
+watch() {
+    local line start=$SECONDS quarters=0 now
+    while IFS= read -r line || [[ -n $line ]]; do
+        printf '%s\n' "$line" >&3
+        ((SECONDS > start + 1)) || continue
+        tell "$line"
+        if ((terminal)) || [[ ! $line =~ ^\ *\[?([0-9]+)/([0-9]+) ]]; then continue; fi
+        now=$((4 * BASH_REMATCH[1] / BASH_REMATCH[2]))
+        if ((now > quarters)); then echo "   ${BASH_REMATCH[1]} of ${BASH_REMATCH[2]}"; fi
+        quarters=$now
+    done 3>>"$1"
+    tell
+}
+
+# quietly <command>...: its output is shown only when it fails, without the builder's counting.
 quietly() {
     local log
     log=$(mktemp)
-    if "$@" >"$log" 2>&1 </dev/null; then
+    if "$@" 2>&1 </dev/null | watch "$log"; then
         rm "$log"
         return 0
     fi
-    cat "$log"
+    grep -v '^\[[0-9]*/[0-9]*\] ' "$log" || true
     rm "$log"
     echo "Failed: $*" >&2
     return 1
 }
 
 # need <what>=<package>...: installs the Debian packages of the commands and files that are missing,
-# or prints the line to type.
+# or says what is missing and what to type.
 need() {
-    local pair what missing=() apt=(apt-get)
+    local pair what missing=() sudo=''
     for pair in "$@"; do
         what=${pair%%=*}
         if [[ $what == /* ]]; then
@@ -32,16 +58,24 @@ need() {
         fi
     done
     ((${#missing[@]})) || return 0
-    if ((EUID != 0)); then apt=(sudo -n apt-get); fi
-    if ! command -v apt-get >/dev/null || ! "${apt[@]}" --version >/dev/null 2>&1; then
-        echo "Some packages are missing. On Debian, install them with this line and start again:" >&2
-        echo "  sudo apt-get update && sudo apt-get install -y ${missing[*]}" >&2
-        exit 1
+    if install_packages "${missing[@]}"; then return 0; fi
+    if ((EUID != 0)); then sudo='sudo '; fi
+    echo "Missing: ${missing[*]}. On Debian, with a network, type:" \
+        "${sudo}apt-get update && ${sudo}apt-get install -y ${missing[*]}" >&2
+    if [[ -s $TMPDIR/apt ]]; then
+        sed -nE '/^(E: |W: (Failed))/{s//  apt-get says: \2/p;q}' "$TMPDIR/apt" >&2
     fi
-    say "Installing ${missing[*]}"
-    export DEBIAN_FRONTEND=noninteractive
-    quietly "${apt[@]}" update || true # an old list may still do
-    quietly "${apt[@]}" install -y --no-install-recommends "${missing[@]}"
+    exit 1
+}
+
+# install_packages <package>...: whether it could; apt-get's words are in $TMPDIR/apt.
+install_packages() {
+    local apt=(env -u TMPDIR DEBIAN_FRONTEND=noninteractive apt-get -o Acquire::Retries=0)
+    if ((EUID != 0)); then apt=(sudo -n "${apt[@]}"); fi
+    "${apt[@]}" --version >/dev/null 2>&1 || return 1
+    say "Installing $*"
+    "${apt[@]}" update 2>&1 </dev/null | watch "$TMPDIR/apt" || true # an old list may still do
+    "${apt[@]}" install -y --no-install-recommends "$@" 2>&1 </dev/null | watch "$TMPDIR/apt"
 }
 
 # shellcheck disable=SC2034 # used by those that source this file
@@ -64,5 +98,5 @@ if setarch -R true 2>/dev/null; then without_randomisation=(setarch -R); fi
 build() {
     say "Building $1"
     quietly cmake --preset "$1"
-    quietly cmake --build --preset "$1" -- --quiet
+    quietly cmake --build --preset "$1"
 }
