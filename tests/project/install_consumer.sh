@@ -1,7 +1,7 @@
 #!/bin/bash
 # install_consumer.sh <build directory> <compiler>: installs, moves the installed tree, and builds and
 # runs the tutorial against it as a project of its own, once found through CMake and once through
-# pkg-config.
+# pkg-config. Then, that a project which contains this one installs nothing of it unasked.
 set -euo pipefail
 source=$(cd "$(dirname "$0")" && pwd)/../../examples/tutorial
 compiler=$2
@@ -33,3 +33,9 @@ echo 'int main() { return LYRVersion() != LYR_VERSION; }' >version.cpp
 "$compiler" -std=c++17 "${flags[@]}" -include LYRVersion.h version.cpp -o version \
     -Wl,--as-needed "${libs[@]}" -Wl,--enable-new-dtags "-Wl,-rpath,$libdir"
 ./version
+
+echo "cmake_minimum_required(VERSION 3.25)
+project(Parent LANGUAGES CXX)
+add_subdirectory(\"$source/../..\" part)" >CMakeLists.txt
+cmake -G Ninja -S . -B parent -DCMAKE_CXX_COMPILER="$compiler"
+cmake --install parent --prefix "$work/parent" # would miss what is not built
