@@ -48,4 +48,16 @@ TEST(BaseUnknown, AnswersWithItsOwnCountAndLeavesTheLockFree) {
         EXPECT_EQ(object->Release(), 0U);
     }
     EXPECT_EQ(TestObject::ends, "GadgetKeptGadgetKept");
+    const PlainObject classless(false, nullptr);
+    EXPECT_FALSE(classless.IsA() || classless.IsAKindOf("Gadget"));
+}
+
+TEST(RefCounter, DeletesItselfAtZero) {
+    static int ends = 0;
+    struct Counted : LYRSysTSRefCounterUnknown {
+        ~Counted() override { ++ends; }
+    };
+    auto* counted = new Counted;
+    EXPECT_EQ((Numbers{counted->AddRef(), counted->Release(), ends, counted->Release(), ends}),
+              (Numbers{2, 1, 0, 0, 1}));
 }
