@@ -1,6 +1,7 @@
 #include "../../support/MutexGuard.h"
 #include "TestSupport.h"
 
+#include <algorithm>
 #include <fcntl.h>
 #include <future>
 #include <unistd.h>
@@ -19,6 +20,24 @@ TEST(DictionaryFiles, EveryRequestAsksAgainUntilThePathIsSetAndNotBanned) {
     ExpectErrors("", request);
     ::unsetenv("LYRDictionaryPath");
     ExpectErrors("", request);
+}
+
+TEST(DictionaryFiles, ALineMayHaveEachKeywordOnce) {
+    const std::string leaf = "ITFLEAF", extension = "EXTENDED_BY";
+    const std::string lines[][3] = {{leaf, extension, "L X Y"},
+                                    {extension, leaf, "L Y X"},
+                                    {leaf, leaf, "none"},
+                                    {extension, extension, "none"}};
+    for (const auto& [first, second, entry] : lines) {
+        std::string texts[] = {first + second, "I", "libL", first, "X", second, "Y"};
+        char* words[7];
+        std::ranges::transform(texts, words, [](std::string& text) { return text.data(); });
+        const bool isBad = entry == "none";
+        ExpectErrors(isBad ? "Problem reading dico : file line 3\n" : "", [&] {
+            EXPECT_EQ(LYRSysTSDicReader().PutInfo(words, 7, "file", 3), isBad ? E_FAIL : S_OK);
+        });
+        EXPECT_EQ(Entry(words[0]), entry);
+    }
 }
 
 TEST(DictionaryFiles, TheStepsOfTheScanAnswerOutsideItToo) {
