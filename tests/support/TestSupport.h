@@ -22,6 +22,14 @@ inline GUID G(std::uint32_t data1, std::uint16_t data2 = 0, std::uint16_t data3 
     return guid;
 }
 
+/// Ids that differ in their last two bytes alone.
+inline GUID IdWithEnd(unsigned number) {
+    GUID id = G(7);
+    id.Data4[6] = static_cast<std::uint8_t>(number >> 8);
+    id.Data4[7] = static_cast<std::uint8_t>(number);
+    return id;
+}
+
 /// A creator that can be told from others and is never called.
 inline LYRSysTSInterfaceFactory Creator(std::uintptr_t number) {
     return reinterpret_cast<LYRSysTSInterfaceFactory>(number);
