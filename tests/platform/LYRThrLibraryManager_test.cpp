@@ -33,8 +33,11 @@ TEST(LYRThrLibraryManager, AllFormsOfANameReachOneFileAndNothingElseDoes) {
           IN_DIRECTORY("libPlatformUser"), IN_DIRECTORY("libPlatformUser.so")}) {
         EXPECT_EQ(Manager::LoadLibrary(name), handle) << name;
     }
-    for (const char* name : {static_cast<const char*>(nullptr), "", "/", "PlatformUse"}) {
-        EXPECT_EQ(Manager::GetFunctionAddress(name, "PlatformAnswer"), nullptr);
+    EXPECT_NE(Manager::LoadLibrary("PlatformBare.so"), nullptr) << Manager::LastFailure();
+    for (const char* name : {static_cast<const char*>(nullptr), "", "/", "PlatformUse",
+                             "PlatformBare", "libPlatformBare.so", IN_DIRECTORY("PlatformBare")}) {
+        EXPECT_FALSE(Manager::LoadLibrary(name));
+        EXPECT_FALSE(Manager::GetFunctionAddress(name, "PlatformAnswer"));
     }
 }
 
