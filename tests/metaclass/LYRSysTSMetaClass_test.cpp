@@ -37,6 +37,7 @@ TEST(MetaObjects, TypeSelectsTheKindEveryCallMayExtendAndMadeUpIdsCount) {
         kinds += ext ? 'e' : dynamic_cast<LYRSysTSMetaClassImpl*>(meta) ? 'i' : '-';
         LYRSysTSFindOrCreateMetaObject(meta->IsA(), PlainClass, nullptr, nullptr, "0");
         EXPECT_TRUE(!ext || (ext->GetExtensionType() == type && ext->IsExtensionOf(Class("0"))));
+        EXPECT_FALSE(ext && ext->IsExtensionOf(Class("Derived", PlainClass, Class("0"), 1)));
         EXPECT_EQ(*meta->GetClassId(), G(static_cast<unsigned>(2 * type + 1)));
         EXPECT_EQ(Class("LYRNull"), nullptr);
         EXPECT_EQ(*Dictionary::_CreateCLSID(), G(static_cast<unsigned>(2 * type + 2)));
