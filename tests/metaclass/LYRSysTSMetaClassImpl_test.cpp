@@ -10,11 +10,14 @@ TEST(FactoryTable, OrdersByUnsignedLittleEndianWordsAndFindsEveryAddition) {
     GUID ids[16] = {};  // the greatest first
     for (unsigned i = 0; i < 32; ++i) {
         reinterpret_cast<unsigned char*>(&ids[i % 16])[i % 16 ^ 3] = 0x80;
-        meta->_AddInterfaceFactory(ids[i % 16], Creator(i % 16 + 1));
+        for (const unsigned creator : {0U, i % 16 + 1}) {  // a null is passed over
+            EXPECT_EQ(meta->_AddInterfaceFactory(ids[i % 16], Creator(creator)), 1);
+        }
     }
     for (unsigned i = 0; i < 256; ++i) {
         const FactoryEntry a{&ids[i / 16], nullptr}, b{&ids[i % 16], nullptr};
         EXPECT_EQ(LYRSysTSCompare(&a, &b), (i / 16 < i % 16) - (i / 16 > i % 16)) << i;
+        EXPECT_EQ(ids[i / 16] == ids[i % 16], i / 16 == i % 16) << i;
         EXPECT_EQ(LYRSysTSCompare(&a, nullptr) + LYRSysTSCompare(nullptr, &b), -2);
         EXPECT_EQ(meta->_GetInterfaceFactory(ids[i / 16]), Creator(i / 16 + 1)) << i;
     }
@@ -175,15 +178,15 @@ TEST(FactoryCache, AnswersAsTheTableDoesAlsoAfterAnAddition) {
 TEST(FactoryCache, ForgetsWithTheMetaObject) {
     UseDictionaryPath("");
     for (unsigned round = 1; round < 4; ++round) {  // the classes take the addresses of the last
-        LYRSysTSMetaClassImpl* classes[10];
+        LYRSysTSMetaClassImpl* classes[4];
         for (auto*& each : classes) each = new LYRSysTSMetaClassImpl(&IID_IUnknown, "C", nullptr);
         for (unsigned k = 0; k < 3 * 1600; ++k) {
-            // Ids that differ in one byte of either half, which a careless comparison leaves out.
-            const auto byte = static_cast<std::uint8_t>(k % 1600 / 10);
-            const GUID id = byte < 80 ? G(7, 2, 0, {0, 0, byte}) : G(byte, 2);
+            // Ids that differ in either half alone, which a careless comparison leaves out.
+            const unsigned n = k % 1600 / 4;
+            const GUID id = n % 2 == 0 ? IdWithEnd(n) : G(n, 2);
             const Factory factory = Creator(10 * (k % 1600) + round);
-            if (k < 1600) classes[k % 10]->_AddInterfaceFactory(id, factory);
-            EXPECT_EQ(classes[k % 10]->QueryDerivationInterfaceFactory(id), factory);
+            if (k < 1600) classes[k % 4]->_AddInterfaceFactory(id, factory);
+            EXPECT_EQ(classes[k % 4]->QueryDerivationInterfaceFactory(id), factory);
         }
         LYRSysTSMetaClassBase::Destruct();
     }
