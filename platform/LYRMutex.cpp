@@ -13,7 +13,8 @@
 #elif defined(__SANITIZE_THREAD__)
 #define LYR_UNDER_TSAN 1
 #endif
-#if defined(LYR_UNDER_TSAN)
+#if defined(LYR_UNDER_TSAN) && !defined(LYR_NO_TSAN_ANNOTATIONS)
+#define LYR_TSAN_ANNOTATIONS 1
 #include <sanitizer/tsan_interface.h>
 #endif
 
@@ -88,8 +89,9 @@ void ThrowUnlessOneMoreNests(State state) {
 // What ThreadSanitizer is told, so that it sees a re-entrant mutex instead of a few atomics and
 // reports locks taken in opposite orders. Between a "before" and its "after" it looks away. It is
 // not told of a destruction, which at exit may meet threads at work; it forgets a lock with its
-// memory.
-#if defined(LYR_UNDER_TSAN)
+// memory. Told nothing, it sees whether the atomics order what the lock guards: stress/locks.cpp is
+// for that.
+#if defined(LYR_TSAN_ANNOTATIONS)
 constexpr bool kAnnotated = true;
 void BeforeLock(void* mutex) {
     __tsan_mutex_pre_lock(mutex, __tsan_mutex_write_reentrant);

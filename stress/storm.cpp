@@ -8,28 +8,19 @@
 #include "../examples/support/Ref.h"
 #include "../support/MutexGuard.h"
 #include "../tests/metaclass/TestClasses.h"
+#include "Must.h"
 #include "TableWalk.h"
 
 #include <latch>
 #include <malloc.h>
 #include <mutex>
 #include <random>
-#include <unistd.h>
-
-// Ends the storm, with the invariant in words, unless it holds.
-#define MUST(...) Must((__VA_ARGS__), __LINE__, #__VA_ARGS__)
 
 using Random = std::mt19937;
 using First = std::atomic<const void*>;
 using Turn = std::atomic<unsigned>;
 
 constexpr unsigned kThreads = 8, kPool = 1000, kClasses = 20, kLibraries = 8;
-
-static void Must(bool holds, int line, const char* invariant) {
-    if (holds) return;
-    ::dprintf(STDOUT_FILENO, "storm.cpp:%d: violated: %s\n", line, invariant);
-    ::_exit(1);
-}
 
 /// Whether all threads get one answer, which is not null. Relaxed: it orders nothing between them.
 static bool Same(First& first, const void* answer) {
