@@ -4,7 +4,9 @@
 #include <gtest/gtest.h>
 #include <new>
 #include <pthread.h>
+#include <sys/wait.h>
 #include <thread>
+#include <unistd.h>
 
 // Not checked by the compiler: nested holds, and unlocks by others, are the subject.
 void Lock(LYRSmartMutex& mutex, int holds = 1) LYR_NO_THREAD_SAFETY_ANALYSIS {
@@ -64,3 +66,40 @@ TEST(LYRMutex, AThreadIsNotCancelledWhileItWaits) {
     waiter.join();
     EXPECT_TRUE(gotIn);
 }
+
+TEST(LYRMutex, AnUnlockWakesASleeperOfItsOwn) {
+    // So far apart, two locks share the place where threads sleep for them.
+    static struct {
+        LYRSmartMutex mutex{0};
+        char gap[0x10000 - sizeof(LYRSmartMutex)];
+    } locks[2];
+    for (auto& [mutex, gap] : locks) Lock(mutex);
+    const std::future<void> first = LockElsewhere(locks[0].mutex);
+    EXPECT_TRUE(Waits(first));
+    const std::future<void> second = LockElsewhere(locks[1].mutex);
+    EXPECT_TRUE(Waits(second));
+    Unlock(locks[1].mutex);
+    EXPECT_TRUE(!Waits(second) && Waits(first));
+    Unlock(locks[0].mutex);
+}
+
+#if !defined(__SANITIZE_THREAD__)  // it allows no threads in such a child
+TEST(LYRMutex, AChildProcessForgetsTheSleepers) {
+    LYRSmartMutex mutex(0);
+    Lock(mutex);
+    const std::future<void> a = LockElsewhere(mutex), b = LockElsewhere(mutex);
+    EXPECT_TRUE(Waits(a) && Waits(b));
+    const pid_t child = ::fork();
+    if (child == 0) {
+        ::alarm(10);
+        const std::future<void> c = LockElsewhere(mutex), d = LockElsewhere(mutex);
+        const bool wait = Waits(c) && Waits(d);
+        Unlock(mutex);
+        ::_exit(wait && !Waits(c) && !Waits(d) ? 0 : 1);
+    }
+    Unlock(mutex);
+    int status = 1;
+    ::waitpid(child, &status, 0);
+    EXPECT_EQ(status, 0);
+}
+#endif
