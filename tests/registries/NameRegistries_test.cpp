@@ -24,14 +24,12 @@ TEST(NameRegistries, RefuseWhatCannotBeInternedAndForgetAllWhenFreed) {
 }
 
 TEST(NameRegistries, AndTheDictionaryTellIdsApartByTheirLastBytes) {
-    const auto isKnown = [](const GUID& clsid, const GUID& iid, unsigned creator) {
-        return Dictionary::AddDictionaryTS(clsid, iid, Creator(creator), nullptr) != nullptr;
-    };
     for (unsigned k = 1; k < 4000; ++k) {
         const GUID id = IdWithEnd(k);
         const std::string name = std::to_string(k);
         ASSERT_TRUE(Interfaces::AddDicoIIDName(id, name.c_str()) == 1 &&
                     Classes::AddDicoCLSIDName(id, name.c_str(), nullptr) != nullptr);
-        ASSERT_TRUE(isKnown(id, G(1), k) && isKnown(G(1), id, k));
+        ASSERT_TRUE(Dictionary::AddDictionaryTS(id, G(1), Creator(k), nullptr));
+        ASSERT_TRUE(Dictionary::AddDictionaryTS(G(1), id, Creator(k), nullptr));
     }
 }

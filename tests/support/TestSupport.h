@@ -25,8 +25,7 @@ inline GUID G(std::uint32_t data1, std::uint16_t data2 = 0, std::uint16_t data3 
 /// Ids that differ in their last two bytes alone.
 inline GUID IdWithEnd(unsigned number) {
     GUID id = G(7);
-    id.Data4[6] = static_cast<std::uint8_t>(number >> 8);
-    id.Data4[7] = static_cast<std::uint8_t>(number);
+    std::memcpy(id.Data4 + 6, &number, 2);
     return id;
 }
 
