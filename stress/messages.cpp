@@ -1,15 +1,14 @@
-// messages [scan]
+// messages
 //
 // Standard error is a pipe that is full, so that whoever writes there waits. Meanwhile every other
 // thread can go on: no message is written while a lock is held. Each message in a process of its
-// own; with "scan", those about the dictionary files.
+// own.
 #include "../support/MutexGuard.h"
 #include "../tests/metaclass/TestClasses.h"
 #include "Must.h"
 
 #include <fcntl.h>
 #include <future>
-#include <span>
 #include <sys/wait.h>
 
 struct Message {
@@ -22,7 +21,7 @@ static const GUID id = Id(1);
 
 /// About what says otherwise than is known: the class "Known", whose entry is of the library "L",
 /// by its id Id(1), and the creator of Id(1) and Id(1).
-static const Message kOfCode[] = {
+static const Message kMessages[] = {
     {[] { Add("Known", "I", "Other"); }},
     {[] { Dictionary::AddDictionaryTS(id, id, Creator(2), nullptr); }},
     {[] { Dictionary::AddDictionaryTS(&id, &id, "Known", "I", "L", Creator(2), 0); }},
@@ -31,8 +30,6 @@ static const Message kOfCode[] = {
     {[] { LYRSysTSIidReader().PutInfo(nullptr, 0, "file", 1); }},
     {[] { LYRSysTSClsidReader().PutInfo(nullptr, 0, "file", 1); }},
     {[] { ::unsetenv("LYRDictionaryPath"), Dictionary::EnsureInitDictionary(); }},
-};
-static const Message kOfTheScan[] = {
     {&Dictionary::EnsureInitDictionary, "a.dicts", "C I\n"},
     {&Dictionary::EnsureInitDictionary, "a.dicts", "Known I Other\n"},
     {&Dictionary::EnsureInitDictionary, "a.iidts", "C I\n"},
@@ -85,18 +82,16 @@ static void Check(const Message& message) {
     MUST(goesOn && stillSpeaks);
 }
 
-int main(int argc, char**) {
-    const std::span<const Message> messages =
-        argc > 1 ? std::span<const Message>(kOfTheScan) : std::span<const Message>(kOfCode);
+int main() {
     int failed = 0;
-    for (const Message& message : messages) {
+    for (const Message& message : kMessages) {
         const pid_t child = ::fork();
         if (child == 0) return Check(message), 0;
         int status = 0;
         ::waitpid(child, &status, 0);
         if (status == 0) continue;
         ++failed;
-        ::dprintf(STDOUT_FILENO, "message %td: failed\n", &message - messages.data());
+        ::dprintf(STDOUT_FILENO, "message %td: failed\n", &message - kMessages);
     }
     return failed;
 }
