@@ -1,4 +1,3 @@
-#include "../../support/MutexGuard.h"
 #include "TestSupport.h"
 
 #include <algorithm>
@@ -56,21 +55,16 @@ TEST(DictionaryFiles, TheStepsOfTheScanAnswerOutsideItToo) {
 }
 
 TEST(DictionaryFiles, OneThreadAtATimeAddsToTheRegistries) {
-    const TempDirectory files;
-    const auto read = [&](const char* name, LYRSysTSDictionaryReader&& reader) {
-        const std::string path = files.Write(name, "{0000000A-0000-0000-0000-000000000000} A\n");
-        return Dictionary::_ReadDictionary(path.c_str(), &reader);
-    };
-    std::future<HRESULT> readings[2];
-    {
-        const lyr::MutexGuard guard(*GetGlobalDicoMutex());
-        readings[0] =
-            std::async(std::launch::async, [&] { return read("a.iidts", LYRSysTSIidReader()); });
-        readings[1] = std::async(std::launch::async,
-                                 [&] { return read("a.clsidts", LYRSysTSClsidReader()); });
-        for (const auto& reading : readings) {
-            EXPECT_EQ(reading.wait_for(std::chrono::milliseconds(50)), std::future_status::timeout);
-        }
+    LYRSysTSIidReader iidReader;
+    LYRSysTSClsidReader clsidReader;
+    LYRSysTSDictionaryReader* const readers[] = {&iidReader, &clsidReader};
+    for (auto* const reader : readers) {
+        char id[] = "{0000000A-0000-0000-0000-000000000000}", name[] = "A", *words[] = {id, name};
+        const auto put = [&] { return reader->PutInfo(words, 2, "file", 1); };
+        GetGlobalDicoMutex()->LockF();
+        auto line = std::async(std::launch::async, put);
+        EXPECT_EQ(line.wait_for(std::chrono::milliseconds(50)), std::future_status::timeout);
+        GetGlobalDicoMutex()->UnlockF();
+        EXPECT_EQ(line.get(), S_OK);
     }
-    for (auto& reading : readings) EXPECT_EQ(reading.get(), S_OK);
 }

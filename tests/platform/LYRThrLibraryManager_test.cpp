@@ -7,7 +7,6 @@
 #include <sched.h>
 #include <string>
 #include <sys/mount.h>
-#include <sys/resource.h>
 
 #define IN_DIRECTORY(name) LYR_TEST_LIBRARY_DIR "/" name
 
@@ -65,21 +64,6 @@ TEST(LYRThrLibraryManager, KnowsWhetherALibraryMayBeLoadingWithoutWaiting) {
     Manager::LoadLibrary("PlatformAbsent");
     EXPECT_TRUE(!isLoading() && Manager::MayHaveBeenLoadingSince(before));
     end.set_value();
-}
-
-TEST(LYRThrLibraryManager, TellsAShortageFromWhatDoesNotPass) {
-    bool mayPass = true;
-    EXPECT_EQ(Manager::TryLoadLibrary("PlatformAbsent", mayPass), nullptr);
-    EXPECT_FALSE(mayPass);
-    rlimit files{};
-    ::getrlimit(RLIMIT_NOFILE, &files);
-    const rlimit none{0, files.rlim_max};
-    ::setrlimit(RLIMIT_NOFILE, &none);
-    EXPECT_EQ(Manager::TryGetFunctionAddress("PlatformUser", "PlatformAnswer", mayPass), nullptr);
-    EXPECT_TRUE(mayPass);
-    ::setrlimit(RLIMIT_NOFILE, &files);
-    EXPECT_NE(Manager::TryGetFunctionAddress("PlatformUser", "PlatformAnswer", mayPass), nullptr);
-    EXPECT_FALSE(mayPass);
 }
 
 TEST(LYRThrLibraryManager, AFileSystemThatForbidsExecutionIsNoShortage) {
