@@ -37,9 +37,9 @@ public:
     static std::uint64_t LoadsEnded();
 
     /// Whether a library may have been loading at any moment since LoadsEnded() gave the number;
-    /// false only when none has. It never waits, neither for the loader nor for an initialiser. Of a
-    /// library that the program has loaded by itself while it had several threads, the end is known
-    /// after the next load here.
+    /// false only when none has. It never waits, neither for the loader nor for an initialiser. Of
+    /// a library that the program has loaded by itself while it had several threads, the end is
+    /// known after the next load here.
     static bool MayHaveBeenLoadingSince(std::uint64_t loadsEnded);
 
     /// Why the last failure of LoadLibrary or GetFunctionAddress came about, as far as possible in
