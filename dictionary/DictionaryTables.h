@@ -3,10 +3,8 @@
 #include "LYRSysTSDictionary.h"
 #include "dictionary/PairKey.h"
 #include "support/AddressCast.h"
-#include "support/Chain.h"
-#include "support/HashIndex.h"
+#include "support/IndexedTable.h"
 #include "support/MutexGuard.h"
-#include "support/NodePool.h"
 
 #include <cstddef>
 
@@ -15,28 +13,20 @@ namespace lyr {
 /// One of the two tables of the dictionary, with what stands beside it.
 struct EntryTable {
     DicEntryLink** heads;
-    ChainTails<DicEntryLink, kPairBuckets> tails;
-    NodePool<DicEntryLink> links;
-    HashIndex<LYRSysTSInfoDic, Readers::kUnderLock> index;
+    IndexedTable<LYRSysTSInfoDic, DicEntryLink, kPairBuckets, Readers::kUnderLock> beside = {};
 
     /// Makes sure that one more Append has room; false when memory is out.
-    bool Reserve() { return links.Reserve() && index.Reserve(); }
+    bool Reserve() { return beside.Reserve(); }
 
     /// Hangs a new record, after Reserve.
     void Append(int bucket, std::size_t hash, LYRSysTSInfoDic* record) {
-        tails.Append(heads[bucket], static_cast<std::size_t>(bucket),
-                     links.Make({record, nullptr}));
-        index.Add(hash, record);
+        beside.Append(heads, static_cast<std::size_t>(bucket), hash, record);
     }
 
     /// Empties the table, handing each record to `dispose`.
     template <typename Dispose>
     void Clear(Dispose dispose) {
-        index.Clear();
-        tails.Clear();
-        FreeChains(std::span<DicEntryLink*, kPairBuckets>(heads, kPairBuckets),
-                   [&](const DicEntryLink* link) { dispose(link->info); });
-        links.Clear();
+        beside.Clear(heads, [&](const DicEntryLink* link) { dispose(link->info); });
     }
 };
 

@@ -5,6 +5,6 @@
 namespace lyr {
 
 /// LYRSysTSDictionary::GetInterfaceName; `load` as in the dictionary's queries.
-const char* InterfaceName(const GUID& iid, short load);
+const char* InterfaceName(const GUID& id, short load);
 
 }  // namespace lyr

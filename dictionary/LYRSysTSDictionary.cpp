@@ -53,8 +53,8 @@ void LYRSysTSDictionary::_DeleteDictionary() {
 
 namespace lyr {
 
-constinit EntryTable DictionaryTables::byName{LYRSysTSDictionary::_dicByName, {}, {}, {}};
-constinit EntryTable DictionaryTables::byGUID{LYRSysTSDictionary::_dicByGUID, {}, {}, {}};
+constinit EntryTable DictionaryTables::byName{LYRSysTSDictionary::_dicByName};
+constinit EntryTable DictionaryTables::byGUID{LYRSysTSDictionary::_dicByGUID};
 
 std::size_t DictionaryTables::Hash(const char* className, const char* interfaceName) {
     return TextHash(className) ^ std::rotl(TextHash(interfaceName), 21);
@@ -66,14 +66,14 @@ std::size_t DictionaryTables::Hash(const GUID& clsid, const GUID& iid) {
 
 LYRSysTSInfoDic* DictionaryTables::Find(std::size_t hash, const char* className,
                                         const char* interfaceName) {
-    return byName.index.Find(hash, [=](const LYRSysTSInfoDic& record) {
+    return byName.beside.index.Find(hash, [=](const LYRSysTSInfoDic& record) {
         return SameText(record.className, className) &&
                SameText(record.interfaceName, interfaceName);
     });
 }
 
 LYRSysTSInfoDic* DictionaryTables::Find(std::size_t hash, const GUID& clsid, const GUID& iid) {
-    return byGUID.index.Find(hash, [&](const LYRSysTSInfoDic& record) {
+    return byGUID.beside.index.Find(hash, [&](const LYRSysTSInfoDic& record) {
         return *record.clsid == clsid && *record.iid == iid;
     });
 }

@@ -75,10 +75,10 @@ const char* LYRSysTSDictionary::GetInterfaceName(const GUID& iid) {
     return lyr::InterfaceName(iid, 1);
 }
 
-const char* lyr::InterfaceName(const GUID& iid, short load) {
+const char* lyr::InterfaceName(const GUID& id, short load) {
     using Tables = DictionaryTables;
     const LYRSysTSMetaClass* const metaObject =
-        Tables::ReadEntry(iid, CLSID_LYRSysTSMetaClass, load, &Tables::MetaObject);
+        Tables::ReadEntry(id, CLSID_LYRSysTSMetaClass, load, &Tables::MetaObject);
     const char* const name = metaObject != nullptr ? metaObject->IsA() : nullptr;
-    return name != nullptr ? name : LYRSysTSDicoIIDName::QueryDicoIIDNameByIID(iid);
+    return name != nullptr ? name : LYRSysTSDicoIIDName::QueryDicoIIDNameByIID(id);
 }

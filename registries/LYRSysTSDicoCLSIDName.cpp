@@ -3,13 +3,14 @@
 #include "LYRSysTSDictionary.h"
 #include "registries/Intern.h"
 #include "registries/SignedKeys.h"
-#include "support/Chain.h"
+#include "support/GuidBytes.h"
+#include "support/IndexedTable.h"
 #include "support/MutexGuard.h"
 #include "support/Shortage.h"
 #include "support/StartUpOrder.h"
 #include "support/Text.h"
 
-#include <memory>
+#include <new>
 
 constinit CLSIDNameLink* LYRSysTSDicoCLSIDName::_CLSIDNameByCLSID[1024] = {};
 constinit std::atomic<bool> LYRSysTSDicoCLSIDName::_DictionaryCleared = false;
@@ -23,13 +24,17 @@ LYRSmartMutex* GetGlobalCLSIDDicoMutex() {
 
 namespace {
 
-[[gnu::constructor(lyr::kStartCLSIDMutex)]] void MakeCLSIDMutex() {
-    ClsidMutextToForceInitDuringDllLoading = GetGlobalCLSIDDicoMutex();
+// Looked into without a lock: what it finds never changes.
+constinit lyr::IndexedTable<CLSIDNameRecord, CLSIDNameLink, 1024, lyr::Readers::kAny> table;
+constinit lyr::NodePool<CLSIDNameRecord> records;
+
+CLSIDNameRecord* Find(const GUID& clsid, std::size_t hash) {
+    return table.index.Find(hash,
+                            [&](const CLSIDNameRecord& record) { return *record.clsid == clsid; });
 }
 
-lyr::ChainSlot<CLSIDNameLink> FindCLSID(CLSIDNameLink*& head, const GUID& clsid) {
-    return lyr::FindSlot(head,
-                         [&](const CLSIDNameLink& link) { return *link.record->clsid == clsid; });
+[[gnu::constructor(lyr::kStartCLSIDMutex)]] void MakeCLSIDMutex() {
+    ClsidMutextToForceInitDuringDllLoading = GetGlobalCLSIDDicoMutex();
 }
 
 /// Whether a class given once more is the one that is known. A library that is missing on either
@@ -47,29 +52,26 @@ CLSIDNameRecord* LYRSysTSDicoCLSIDName::AddDicoCLSIDName(const GUID& clsid, cons
     if (name == nullptr) return nullptr;
     if (!_DictionaryCleared) _ClearDictionary();
 
-    const auto slot = FindCLSID(_CLSIDNameByCLSID[lyr::SignedKey(clsid)], clsid);
-    if (slot.link != nullptr) {
-        CLSIDNameRecord* const known = slot.link->record;
+    const std::size_t hash = lyr::GuidHash(clsid);
+    if (CLSIDNameRecord* const known = Find(clsid, hash)) {
         return IsSameClass(*known, name, library) ? known : nullptr;
     }
-
     return lyr::RefuseOnShortage(nullptr, [&]() -> CLSIDNameRecord* {
         const char* const internedName = lyr::InternText(name);
         const char* const internedLibrary = lyr::InternText(library);
         if (internedName == nullptr) return nullptr;
         if (library != nullptr && internedLibrary == nullptr) return nullptr;
-        auto record = std::make_unique<CLSIDNameRecord>(
-            CLSIDNameRecord{lyr::InternGUID(&clsid), internedName, internedLibrary});
-        auto link = std::make_unique<CLSIDNameLink>(CLSIDNameLink{record.get(), nullptr});
-        lyr::StoreShared(*slot.place, link.release());
-        return record.release();
+        const GUID* const internedId = lyr::InternGUID(&clsid);
+        if (!table.Reserve() || !records.Reserve()) throw std::bad_alloc();
+        CLSIDNameRecord* const record = records.Make({internedId, internedName, internedLibrary});
+        table.Append(_CLSIDNameByCLSID, lyr::SignedKey(clsid), hash, record);
+        return record;
     });
 }
 
 CLSIDNameRecord* LYRSysTSDicoCLSIDName::QueryDicoCLSIDNameByCLSID(const GUID& clsid) {
     LYRSysTSDictionary::EnsureInitDictionary();
-    const auto slot = FindCLSID(_CLSIDNameByCLSID[lyr::SignedKey(clsid)], clsid);
-    return slot.link != nullptr ? slot.link->record : nullptr;
+    return Find(clsid, lyr::GuidHash(clsid));
 }
 
 int LYRSysTSDicoCLSIDName::_ComputeKeyForCLSID(const GUID& clsid) {
@@ -84,8 +86,6 @@ void LYRSysTSDicoCLSIDName::_ClearDictionary() {
 }
 
 void LYRSysTSDicoCLSIDName::_FreeDictionary() {
-    lyr::FreeChains(std::span(_CLSIDNameByCLSID), [](CLSIDNameLink* link) {
-        delete link->record;
-        delete link;
-    });
+    table.Clear(_CLSIDNameByCLSID, [](const CLSIDNameLink*) {});
+    records.Clear();
 }

@@ -2,13 +2,13 @@
 
 #include "registries/Intern.h"
 #include "registries/SignedKeys.h"
-#include "support/Chain.h"
+#include "support/GuidBytes.h"
+#include "support/IndexedTable.h"
 #include "support/MutexGuard.h"
 #include "support/Shortage.h"
 #include "support/StartUpOrder.h"
 #include "support/Text.h"
-
-#include <memory>
+#include "support/TextHash.h"
 
 constinit IIDNameLink* LYRSysTSDicoIIDName::_IIDNameByIID[1024] = {};
 constinit IIDNameLink* LYRSysTSDicoIIDName::_IIDNameByName[1024] = {};
@@ -23,17 +23,24 @@ LYRSmartMutex* GetGlobalIIDDicoMutex() {
 
 namespace {
 
+using Table = lyr::IndexedTable<IIDNameRecord, IIDNameLink, 1024, lyr::Readers::kAny>;
+
+// Looked into without a lock: what they find never changes.
+constinit Table byIID;
+constinit Table byName;
+constinit lyr::NodePool<IIDNameRecord> records;
+
 [[gnu::constructor(lyr::kStartIIDMutex)]] void MakeIIDMutex() {
     IidMutextToForceInitDuringDllLoading = GetGlobalIIDDicoMutex();
 }
 
-lyr::ChainSlot<IIDNameLink> FindIID(IIDNameLink*& head, const GUID& iid) {
-    return lyr::FindSlot(head, [&](const IIDNameLink& link) { return *link.record->iid == iid; });
+IIDNameRecord* FindIID(const GUID& iid, std::size_t hash) {
+    return byIID.index.Find(hash, [&](const IIDNameRecord& record) { return *record.iid == iid; });
 }
 
-lyr::ChainSlot<IIDNameLink> FindName(IIDNameLink*& head, const char* name) {
-    return lyr::FindSlot(head, [=](const IIDNameLink& link) {
-        return lyr::SameText(link.record->interfaceName, name);
+IIDNameRecord* FindName(const char* name, std::size_t hash) {
+    return byName.index.Find(hash, [=](const IIDNameRecord& record) {
+        return lyr::SameText(record.interfaceName, name);
     });
 }
 
@@ -43,34 +50,32 @@ int LYRSysTSDicoIIDName::AddDicoIIDName(const GUID& iid, const char* name) {
     if (name == nullptr) return 0;
     if (!_DictionaryCleared) _ClearDictionary();
 
-    const auto byName = FindName(_IIDNameByName[lyr::SignedKey(name)], name);
-    if (byName.link != nullptr) return *byName.link->record->iid == iid ? 1 : 0;
-    const auto byIID = FindIID(_IIDNameByIID[lyr::SignedKey(iid)], iid);
-    if (byIID.link != nullptr) return 0;
+    const std::size_t nameHash = lyr::TextHash(name);
+    if (const IIDNameRecord* const known = FindName(name, nameHash)) return *known->iid == iid;
+    const std::size_t iidHash = lyr::GuidHash(iid);
+    if (FindIID(iid, iidHash) != nullptr) return 0;
 
     return lyr::RefuseOnShortage(0, [&] {
         const char* const internedName = lyr::InternText(name);
         if (internedName == nullptr) return 0;
-        auto record =
-            std::make_unique<IIDNameRecord>(IIDNameRecord{lyr::InternGUID(&iid), internedName});
-        auto iidLink = std::make_unique<IIDNameLink>(IIDNameLink{record.get(), nullptr});
-        auto nameLink = std::make_unique<IIDNameLink>(IIDNameLink{record.get(), nullptr});
-        static_cast<void>(record.release());
-        lyr::StoreShared(*byIID.place, iidLink.release());
-        lyr::StoreShared(*byName.place, nameLink.release());
+        const GUID* const internedId = lyr::InternGUID(&iid);
+        if (!byIID.Reserve() || !byName.Reserve() || !records.Reserve()) throw std::bad_alloc();
+        IIDNameRecord* const record = records.Make({internedId, internedName});
+        byIID.Append(_IIDNameByIID, lyr::SignedKey(iid), iidHash, record);
+        byName.Append(_IIDNameByName, lyr::SignedKey(name), nameHash, record);
         return 1;
     });
 }
 
 const char* LYRSysTSDicoIIDName::QueryDicoIIDNameByIID(const GUID& iid) {
-    const IIDNameLink* const link = FindIID(_IIDNameByIID[lyr::SignedKey(iid)], iid).link;
-    return link != nullptr ? link->record->interfaceName : nullptr;
+    const IIDNameRecord* const record = FindIID(iid, lyr::GuidHash(iid));
+    return record != nullptr ? record->interfaceName : nullptr;
 }
 
 const GUID* LYRSysTSDicoIIDName::QueryDicoIIDNameByName(const char* name) {
     if (name == nullptr) return nullptr;
-    const IIDNameLink* const link = FindName(_IIDNameByName[lyr::SignedKey(name)], name).link;
-    return link != nullptr ? link->record->iid : nullptr;
+    const IIDNameRecord* const record = FindName(name, lyr::TextHash(name));
+    return record != nullptr ? record->iid : nullptr;
 }
 
 int LYRSysTSDicoIIDName::_ComputeKeyForIID(const GUID& iid) {
@@ -90,9 +95,7 @@ void LYRSysTSDicoIIDName::_ClearDictionary() {
 }
 
 void LYRSysTSDicoIIDName::_FreeDictionary() {
-    lyr::FreeChains(std::span(_IIDNameByName), [](IIDNameLink* link) {
-        delete link->record;
-        delete link;
-    });
-    lyr::FreeChains(std::span(_IIDNameByIID), [](IIDNameLink* link) { delete link; });
+    byName.Clear(_IIDNameByName, [](const IIDNameLink*) {});
+    byIID.Clear(_IIDNameByIID, [](const IIDNameLink*) {});
+    records.Clear();
 }

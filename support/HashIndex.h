@@ -117,11 +117,13 @@ private:
     static void Put(Slots& slots, Tags tag, Place place, Node* node) {
         std::size_t g = place & slots.mask;
         Tags tags = slots.tags[g].load(std::memory_order_relaxed);
-        while (ZeroBytes(tags) == 0) {
+        Tags freeOnes = ZeroBytes(tags);
+        while (freeOnes == 0) {
             g = (g + 1) & slots.mask;
             tags = slots.tags[g].load(std::memory_order_relaxed);
+            freeOnes = ZeroBytes(tags);
         }
-        const std::size_t free = FirstByte(ZeroBytes(tags));
+        const std::size_t free = FirstByte(freeOnes);
         slots.nodes[g * kGroup + free] = node;
         slots.places[g * kGroup + free] = place;
         slots.tags[g].store(tags | tag << 8 * free, std::memory_order_release);
