@@ -1,6 +1,7 @@
 #include "LYRThrLibraryManager.h"
 
 #include "LibraryFiles.h"
+#include "LoadedLibraries.h"
 #include "Loads.h"
 
 #include <cerrno>
@@ -120,12 +121,18 @@ void* LYRThrLibraryManager::LoadLibrary(const char* name) {
 void* LYRThrLibraryManager::TryLoadLibrary(const char* name, bool& mayPass) {
     mayPass = false;
     if (name == nullptr || *name == '\0') return Fail("no library is named");
+    if (const lyr::LoadedLibrary* const known = lyr::LoadedLibraries::Find(name)) {
+        return known->handle;
+    }
     const lyr::Loads::Running running;
     lyr::LibraryFiles files(name);
     Failure failure;
     while (const char* const file = files.Next()) {
         errno = 0;
-        if (void* handle = Open(file)) return handle;
+        if (void* handle = Open(file)) {
+            lyr::LoadedLibraries::Keep(name, handle);
+            return handle;
+        }
         const int error = errno;
         failure.Note(error, LoaderWords(), file);
     }
@@ -145,6 +152,9 @@ void* LYRThrLibraryManager::TryGetFunctionAddress(const char* library, const cha
     if (symbol == nullptr) return Fail("no symbol is named");
     void* handle = TryLoadLibrary(library, mayPass);
     if (handle == nullptr) return nullptr;
+    if (const lyr::LoadedLibrary* const known = lyr::LoadedLibraries::Find(library)) {
+        if (void* address = known->symbols.Find(symbol)) return address;
+    }
     ::dlerror();
     errno = 0;
     void* address = ::dlsym(handle, symbol);

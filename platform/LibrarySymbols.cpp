@@ -1,0 +1,69 @@
+#include "LibrarySymbols.h"
+
+#include <cstring>
+
+namespace lyr {
+
+namespace {
+
+std::uint32_t HashOf(const char* name) {
+    std::uint32_t hash = 5381;
+    for (; *name != '\0'; ++name) hash = hash * 33 + static_cast<unsigned char>(*name);
+    return hash;
+}
+
+}  // namespace
+
+LibrarySymbols::LibrarySymbols(const link_map& library) : _base(library.l_addr) {
+    const std::uint32_t* table = nullptr;
+    for (const ElfW(Dyn)* entry = library.l_ld; entry->d_tag != DT_NULL; ++entry) {
+        // Most loaders, and not all, have added the base to the addresses that stand here.
+        const std::uintptr_t value = entry->d_un.d_ptr;
+        const std::uintptr_t address = value < _base ? value + _base : value;
+        if (entry->d_tag == DT_SYMTAB) _symbols = reinterpret_cast<const ElfW(Sym)*>(address);
+        if (entry->d_tag == DT_STRTAB) _names = reinterpret_cast<const char*>(address);
+        if (entry->d_tag == DT_VERSYM) _versions = reinterpret_cast<const ElfW(Half)*>(address);
+        if (entry->d_tag == DT_GNU_HASH) table = reinterpret_cast<const std::uint32_t*>(address);
+    }
+    if (table == nullptr || table[2] == 0 || _symbols == nullptr || _names == nullptr) return;
+    _bucketCount = table[0];
+    _firstSymbol = table[1];
+    _filterSize = table[2];
+    _filterShift = table[3];
+    _filter = reinterpret_cast<const ElfW(Addr)*>(table + 4);
+    _buckets = reinterpret_cast<const std::uint32_t*>(_filter + _filterSize);
+    _hashes = _buckets + _bucketCount;
+}
+
+void* LibrarySymbols::Find(const char* name) const {
+    if (_bucketCount == 0) return nullptr;
+    constexpr std::uint32_t kBits = 8 * sizeof(ElfW(Addr));
+    const std::uint32_t hash = HashOf(name);
+    const ElfW(Addr) filter = _filter[hash / kBits % _filterSize];
+    if ((filter >> hash % kBits & filter >> (hash >> _filterShift) % kBits & 1) == 0)
+        return nullptr;
+
+    std::uint32_t symbol = _buckets[hash % _bucketCount];
+    if (symbol < _firstSymbol) return nullptr;
+    for (;; ++symbol) {
+        const std::uint32_t known = _hashes[symbol - _firstSymbol];
+        const bool isSame =
+            (known | 1) == (hash | 1) && std::strcmp(_names + _symbols[symbol].st_name, name) == 0;
+        if (isSame && IsPlain(symbol)) {
+            return reinterpret_cast<void*>(_base + _symbols[symbol].st_value);
+        }
+        if ((known & 1) != 0) return nullptr;
+    }
+}
+
+/// Whether it is defined here, in the version that counts, and at the address that stands there.
+bool LibrarySymbols::IsPlain(std::uint32_t symbol) const {
+    constexpr ElfW(Half) kOldVersion = 0x8000;
+    const ElfW(Sym)& entry = _symbols[symbol];
+    if (_versions != nullptr && (_versions[symbol] & kOldVersion) != 0) return false;
+    if (entry.st_shndx == SHN_UNDEF || entry.st_shndx == SHN_ABS) return false;
+    const auto type = ELF64_ST_TYPE(entry.st_info);
+    return type == STT_FUNC || type == STT_OBJECT || type == STT_NOTYPE;
+}
+
+}  // namespace lyr
