@@ -133,6 +133,24 @@ TEST(FactorySearch, HoldsUpNoLoadAndRemembersNoAbsenceThatItMeetsBesideOne) {
     EXPECT_EQ(gadget->_GetInterfaceFactory(Id(2)), &_LYRSysTSNoSuchInterface);
 }
 
+static std::atomic<bool> isLoaded = false;
+static std::future<bool> isLoadedForOthers;
+
+TEST(Libraries, AreNotKnownToOthersBeforeTheirInitialisersHaveRun) {
+    using Manager = LYRThrLibraryManager;
+    HookedGadget([] {  // the library is loaded for itself already
+        EXPECT_NE(Manager::GetFunctionAddress("LyrTestHook", "LYRSysTSCreateI1Extra"), nullptr);
+        isLoadedForOthers = std::async(std::launch::async, [] {
+            Manager::GetFunctionAddress("LyrTestHook", "LYRSysTSCreateI1Extra");
+            return isLoaded.load();
+        });
+        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+        isLoaded = true;
+    });
+    Manager::LoadLibrary("LyrTestHook");
+    EXPECT_TRUE(isLoadedForOthers.get());
+}
+
 TEST(FactorySearch, RemembersNoAbsenceForWantOfFileDescriptorsAndReadsTheFilesAgain) {
     const PartsFiles files;
     const auto searchWith = [](rlim_t descriptors) {

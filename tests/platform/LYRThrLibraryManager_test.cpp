@@ -14,7 +14,9 @@ using Manager = LYRThrLibraryManager;
 
 TEST(LYRThrLibraryManager, FindsOnlyWhatTheLibraryItselfDefines) {
     const auto find = Manager::GetFunctionAddress;
-    EXPECT_EQ(reinterpret_cast<int (*)()>(find("PlatformUser", "PlatformAnswer"))(), 42);
+    for (const char* function : {"PlatformAnswer", "PlatformChosen"}) {
+        EXPECT_EQ(reinterpret_cast<int (*)()>(find("PlatformUser", function))(), 42);
+    }
     EXPECT_EQ(*static_cast<void**>(find("PlatformUser", "PlatformEarly")),
               find("PlatformProvider", "PlatformProvided"));
     for (const char* symbol : {"PlatformProvided", "malloc", "PlatformMissing"}) {

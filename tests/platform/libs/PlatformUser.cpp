@@ -9,6 +9,12 @@ extern "C" API int PlatformAnswer() {
     return 6 * PlatformProvided();
 }
 
+// One that is chosen when it is looked up: what stands in the table chooses.
+extern "C" auto PlatformChoose() {
+    return &PlatformAnswer;
+}
+extern "C" API int PlatformChosen() __attribute__((ifunc("PlatformChoose")));
+
 // A library's initialisers may ask for libraries, with and without success.
 static void* const absent = Manager::LoadLibrary("PlatformAbsent");
 extern "C" API void* const PlatformEarly =
