@@ -26,7 +26,7 @@ public:
     LYRSysTSTypeOfClass GetExtensionType();
 
     /// Adds a class name to the list, once. Null, and a lack of memory, change nothing; after the
-    /// latter, what requests do not find in this list is not remembered.
+    /// latter, what requests do not find in this list is never remembered.
     void SetExtensionOf(const char* className);
 
     /// Whether this very address, an interned name, is on the list.

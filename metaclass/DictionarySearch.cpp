@@ -10,7 +10,6 @@
 #include "support/AddressCast.h"
 #include "support/Shortage.h"
 
-#include <atomic>
 #include <chrono>
 #include <optional>
 #include <string>
@@ -37,17 +36,14 @@ std::optional<std::string> EntryPointName(const EntryCopy& entry, const char* in
 }
 
 /// Lets a search look over and over while a library may be loading. For a second at most: the
-/// library's initialiser may be waiting for the very thread that asks. Once that has been in vain,
-/// no search waits any more until that load has ended.
+/// library's initialiser may be waiting for the very thread that asks.
 class Patience {
 public:
     /// Waits for a moment; false when it is time to give up.
     bool Wait() {
-        static std::atomic<std::uint64_t> inVain = ~std::uint64_t{0};
-        const std::uint64_t ended = LYRThrLibraryManager::LoadsEnded();
-        if (inVain.load(std::memory_order_relaxed) == ended) return false;
+        if (!LYRThrLibraryManager::MayAwaitLoads()) return false;
         if (Clock::now() >= _end) {
-            inVain.store(ended, std::memory_order_relaxed);
+            LYRThrLibraryManager::GiveUpOnLoads();
             return false;
         }
         std::this_thread::sleep_for(std::chrono::microseconds(100));
@@ -123,32 +119,40 @@ bool DictionarySearch::Lists(LYRSysTSMetaClassExt& extension) {
 /// The class, loading the library that is said to make its meta-object if there is none yet.
 LYRSysTSMetaClassBase* DictionarySearch::FindOrLoadClass(const char* name, const char* library) {
     if (LYRSysTSMetaClassBase* const found = FindClass(name)) return found;
-    bool mayPass = false;
-    void* const handle = LYRThrLibraryManager::TryLoadLibrary(library, mayPass);
-    if (mayPass) _mayPass = true;
-    BeginLook();
+    void* const handle =
+        Load([=](bool& mayPass) { return LYRThrLibraryManager::TryLoadLibrary(library, mayPass); });
     return handle != nullptr ? FindClass(name) : nullptr;
 }
 
 LYRSysTSInterfaceFactory DictionarySearch::FindEntryPoint(const EntryCopy& entry,
                                                           const char* interfaceName) {
-    bool mayPass = true;
-    void* address = nullptr;
-    if (const auto name = EntryPointName(entry, interfaceName, _asked.IsA())) {
-        const char* const symbol = name->c_str();
-        address = LYRThrLibraryManager::TryGetFunctionAddress(entry.library, symbol, mayPass);
+    const auto name = EntryPointName(entry, interfaceName, _asked.IsA());
+    if (!name) {
+        _mayPass = true;
+        return nullptr;
     }
+    return ToFunction<LYRSysTSInterfaceFactory>(Load([&](bool& mayPass) {
+        return LYRThrLibraryManager::TryGetFunctionAddress(entry.library, name->c_str(), mayPass);
+    }));
+}
+
+/// What the library manager answers, which may load a library for it.
+template <typename Ask>
+void* DictionarySearch::Load(Ask ask) {
+    if (MayHaveBeenLoading()) _mayPass = true;
+    bool mayPass = false;
+    void* const answer = ask(mayPass);
     if (mayPass) _mayPass = true;
-    BeginLook();  // what this has loaded was no look of another one's
-    return ToFunction<LYRSysTSInterfaceFactory>(address);
+    BeginLook();
+    return answer;
 }
 
 void DictionarySearch::BeginLook() {
-    _loadsEnded = LYRThrLibraryManager::LoadsEnded();
+    _loads = LYRThrLibraryManager::MarkLoads();
 }
 
 bool DictionarySearch::MayHaveBeenLoading() const {
-    return LYRThrLibraryManager::MayHaveBeenLoadingSince(_loadsEnded);
+    return LYRThrLibraryManager::MayHaveBeenLoadingSince(_loads);
 }
 
 }  // namespace lyr

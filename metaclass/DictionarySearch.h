@@ -13,9 +13,9 @@ namespace lyr {
 
 struct EntryCopy;
 
-/// What a search has found. Of an absence, `mayPass` tells that the next search may find more, so
-/// that nobody remembers it: something was short on the way, or a library was loading, which
-/// registers what it has one by one.
+/// What a search has found. `mayPass` tells that the next search may find another answer, or one at
+/// all, so that nobody remembers this one: something was short on the way, or a library was
+/// loading, which registers what it has one by one.
 struct SearchResult {
     LYRSysTSInterfaceFactory factory = nullptr;
     bool mayPass = false;
@@ -40,12 +40,14 @@ private:
 
     // What a look finds missing is missing for good only if no library has been loading since the
     // look began. One that the search has loaded itself does not count.
+    template <typename Ask>
+    void* Load(Ask ask);
     void BeginLook();
     bool MayHaveBeenLoading() const;
 
     const LYRSysTSMetaClass& _asked;
     const GUID& _iid;
-    std::uint64_t _loadsEnded = 0;
+    std::uint64_t _loads = 0;  // marked when the last look began
     bool _filesAreRead = false;
     bool _mayPass = false;
 };

@@ -1,10 +1,7 @@
 #include "metaclass/FactoryCache.h"
 
-#include "support/GuidBytes.h"
-
 #include <atomic>
 #include <bit>
-#include <cstddef>
 #include <cstdint>
 
 namespace lyr {
@@ -26,18 +23,13 @@ struct Halves {
     std::uint64_t high;
 };
 
-constinit Line lines[4096] = {};
-
-Line& LineOf(const LYRSysTSMetaClassBase* metaObject, const GUID& iid) {
-    const auto address = reinterpret_cast<std::uintptr_t>(metaObject) >> 4;
-    return lines[(GuidHash(iid) + address * 0x9E3779B9) % std::size(lines)];
-}
+constinit Line lines[FactoryCache::kPlaces] = {};
 
 }  // namespace
 
 LYRSysTSInterfaceFactory FactoryCache::Find(const LYRSysTSMetaClassBase* metaObject,
                                             const GUID& iid) {
-    const Line& line = LineOf(metaObject, iid);
+    const Line& line = lines[PlaceOf(metaObject, iid)];
     const auto halves = std::bit_cast<Halves>(iid);
     const std::uint64_t version = line.version.load(std::memory_order_acquire);
     if (line.metaObject.load(std::memory_order_acquire) != metaObject ||
@@ -52,7 +44,7 @@ LYRSysTSInterfaceFactory FactoryCache::Find(const LYRSysTSMetaClassBase* metaObj
 
 void FactoryCache::Keep(const LYRSysTSMetaClassBase* metaObject, const GUID& iid,
                         LYRSysTSInterfaceFactory factory) {
-    Line& line = LineOf(metaObject, iid);
+    Line& line = lines[PlaceOf(metaObject, iid)];
     std::uint64_t version = line.version.load(std::memory_order_relaxed);
     // Another thread is writing: its answer, for another key, is as good to keep as this one.
     if (version % 2 != 0) return;

@@ -2,6 +2,10 @@
 
 #include "GUID.h"
 #include "LYRSysTSInterfaceFactory.h"
+#include "support/GuidBytes.h"
+
+#include <cstddef>
+#include <cstdint>
 
 class LYRSysTSMetaClassBase;
 
@@ -23,6 +27,13 @@ public:
     /// table, so that an older answer of it never comes later.
     static void Keep(const LYRSysTSMetaClassBase* metaObject, const GUID& iid,
                      LYRSysTSInterfaceFactory factory);
+
+    /// In which of so many places an answer is kept.
+    static constexpr std::size_t kPlaces = 4096;
+    static std::size_t PlaceOf(const LYRSysTSMetaClassBase* metaObject, const GUID& iid) {
+        const auto address = reinterpret_cast<std::uintptr_t>(metaObject) >> 4;
+        return (GuidHash(iid) + address * 0x9E3779B9) % kPlaces;
+    }
 
     /// Drops the answers of a meta-object that is going away, before another one takes its address.
     static void Forget(const LYRSysTSMetaClassBase* metaObject);

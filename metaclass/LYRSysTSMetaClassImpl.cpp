@@ -1,7 +1,6 @@
 #include "LYRSysTSMetaClassImpl.h"
 
 #include "LYRSysTSDicoGUID.h"
-#include "LYRSysTSMetaClassExt.h"
 #include "metaclass/DictionarySearch.h"
 #include "metaclass/FactoryCache.h"
 #include "support/GuidBytes.h"
@@ -9,7 +8,6 @@
 
 #include <algorithm>
 #include <new>
-#include <typeinfo>
 
 IUnknown* _LYRSysTSNoSuchInterface(LYRSysTSBaseUnknown*, unsigned char) {
     return nullptr;
@@ -85,20 +83,22 @@ SearchResult LYRSysTSMetaClassImpl::Search(const GUID& iid) {
         const SearchResult ofBase = AskBase(iid);
         found = {ofBase.factory, found.mayPass || ofBase.mayPass};
     }
-    if (found.factory != nullptr) return ForGood(RememberFirst(iid, found.factory));
-    if (!found.mayPass) return ForGood(RememberFirst(iid, _LYRSysTSNoSuchInterface));
-    const LYRSysTSInterfaceFactory ofAnother = _GetInterfaceFactory(iid);
-    return ofAnother != nullptr ? ForGood(ofAnother) : found;
+    if (found.mayPass) {
+        const LYRSysTSInterfaceFactory ofAnother = _GetInterfaceFactory(iid);
+        return ofAnother != nullptr ? ForGood(ofAnother) : found;
+    }
+    const LYRSysTSInterfaceFactory absence = _LYRSysTSNoSuchInterface;
+    return ForGood(RememberFirst(iid, found.factory != nullptr ? found.factory : absence));
 }
 
 SearchResult LYRSysTSMetaClassImpl::AskBase(const GUID& iid) {
     if (_baseMeta == nullptr) return {};
-    // One that searches as this one does also tells whether an absence may pass.
-    const std::type_info& type = typeid(*_baseMeta);
-    if (type == typeid(LYRSysTSMetaClassImpl) || type == typeid(LYRSysTSMetaClassExt)) {
-        return static_cast<LYRSysTSMetaClassImpl*>(_baseMeta)->Ask(iid);
-    }
-    return {_baseMeta->QueryDerivationInterfaceFactory(iid), false};
+    const LYRSysTSInterfaceFactory factory = _baseMeta->QueryDerivationInterfaceFactory(iid);
+    // What a base with a table does not remember, it may answer otherwise the next time.
+    auto* const base = dynamic_cast<LYRSysTSMetaClassImpl*>(_baseMeta);
+    const bool remembers =
+        base == nullptr || base->_classId == nullptr || base->_GetInterfaceFactory(iid) != nullptr;
+    return {factory, !remembers};
 }
 
 LYRSysTSInterfaceFactory LYRSysTSMetaClassImpl::Recall(const GUID& iid) {

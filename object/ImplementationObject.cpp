@@ -29,15 +29,17 @@ KeptSearch FindKept(const LYRSysTSBaseUnknown& object, const LYRSysTSMetaClass* 
     return search;
 }
 
-/// A new instance of an extension of the kind; null when the function makes none, or one of another
-/// class, whose author has forgotten to say which: it would count, and die, for itself.
+/// A new instance of an extension of the kind; null when the function makes none, or one that is of
+/// another kind, mostly since its author has forgotten to say which: it would count, and die, for
+/// itself. That one is given back, with what it may have kept by then.
 std::unique_ptr<LYRSysTSBaseUnknown> Make(LYRSysTSTypeOfClass type,
                                           LYRSysTSBaseUnknown* (*create)()) {
     std::unique_ptr<LYRSysTSBaseUnknown> instance(create != nullptr ? create() : nullptr);
     if (instance == nullptr) return nullptr;
     LYRSysTSMetaClassExt* const extension = ToExtension(instance->GetMetaObject());
-    if (extension == nullptr || extension->GetExtensionType() != type) return nullptr;
-    return instance;
+    if (extension != nullptr && extension->GetExtensionType() == type) return instance;
+    instance.release()->Release();
+    return nullptr;
 }
 
 LYRSysTSBaseUnknown* MakeTransient(LYRSysTSBaseUnknown& object, LYRSysTSBaseUnknown* (*create)()) {

@@ -173,12 +173,20 @@ void* LYRThrLibraryManager::TryGetFunctionAddress(const char* library, const cha
     return address;
 }
 
-std::uint64_t LYRThrLibraryManager::LoadsEnded() {
-    return lyr::Loads::Ended();
+std::uint64_t LYRThrLibraryManager::MarkLoads() {
+    return lyr::Loads::Mark();
 }
 
-bool LYRThrLibraryManager::MayHaveBeenLoadingSince(std::uint64_t loadsEnded) {
-    return lyr::Loads::MayHaveBeenRunningSince(loadsEnded);
+bool LYRThrLibraryManager::MayHaveBeenLoadingSince(std::uint64_t mark) {
+    return lyr::Loads::MayHaveBeenRunningSince(mark);
+}
+
+bool LYRThrLibraryManager::MayAwaitLoads() {
+    return lyr::Loads::MayAwait();
+}
+
+void LYRThrLibraryManager::GiveUpOnLoads() {
+    lyr::Loads::GiveUp();
 }
 
 std::string LYRThrLibraryManager::LastFailure() {

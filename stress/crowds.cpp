@@ -3,7 +3,7 @@
 // Threads that all want one thing in the same moment, round by round (3'000 unless said
 // otherwise): a new class, which must have one meta-object; and answers of factory tables that push
 // each other out of one line of the cache, and must stay those of their interfaces.
-#include "../support/GuidBytes.h"
+#include "../metaclass/FactoryCache.h"
 #include "../tests/metaclass/TestClasses.h"
 #include "Must.h"
 
@@ -12,33 +12,32 @@
 
 constexpr unsigned kThreads = 8, kClasses = 4, kIds = 4;
 
-/// Ids that fall on one line of the cache, whichever class is asked for them.
-static const std::array<GUID, kIds> ids = [] {
-    std::array<GUID, kIds> found{};
-    for (unsigned n = 0, k = 0; n < kIds; ++k) {
-        found[n] = G(k);
-        if (lyr::GuidHash(found[n]) % 4096 == 0) ++n;
-    }
-    return found;
-}();
-
 static LYRSysTSMetaClassImpl* asked[kClasses];
+static GUID ids[kClasses][kIds];  // of each class, all in one place of the cache
+
+static LYRSysTSInterfaceFactory FactoryOf(unsigned c, unsigned k) {
+    return Creator(kIds * c + k + 1);
+}
 
 static void MakeClasses() {
     for (unsigned c = 0; c < kClasses; ++c) {
         asked[c] = Impl(("Asked" + std::to_string(c)).c_str());
-        for (unsigned k = 0; k < kIds; ++k) {
-            asked[c]->_AddInterfaceFactory(ids[k], Creator(kIds * c + k + 1));
+        for (unsigned n = 0, k = 0; k < kIds; ++n) {
+            ids[c][k] = G(n);
+            if (lyr::FactoryCache::PlaceOf(asked[c], ids[c][k]) != 0) continue;
+            asked[c]->_AddInterfaceFactory(ids[c][k], FactoryOf(c, k));
+            ++k;
         }
     }
 }
 
 /// Few ids are found in the cache more often, many are written there more often.
 static void AskInOneLine(unsigned round, std::mt19937& random) {
-    const unsigned c = round / 2 % kClasses, count = round % 2 == 0 ? 2 : kIds;
+    const unsigned count = round % 2 == 0 ? 2 : kIds;
     for (unsigned i = 0; i < 200; ++i) {
+        const auto c = static_cast<unsigned>(random() % kClasses);
         const auto k = static_cast<unsigned>(random() % count);
-        MUST(asked[c]->QueryDerivationInterfaceFactory(ids[k]) == Creator(kIds * c + k + 1));
+        MUST(asked[c]->QueryDerivationInterfaceFactory(ids[c][k]) == FactoryOf(c, k));
     }
 }
 

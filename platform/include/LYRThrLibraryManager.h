@@ -33,14 +33,20 @@ public:
     /// The same; `mayPass` as above.
     static void* TryGetFunctionAddress(const char* library, const char* symbol, bool& mayPass);
 
-    /// How many libraries are known to have been loaded, with their initialisers run.
-    static std::uint64_t LoadsEnded();
+    /// A mark of this moment, for the next.
+    static std::uint64_t MarkLoads();
 
-    /// Whether a library may have been loading at any moment since LoadsEnded() gave the number;
-    /// false only when none has. It never waits, neither for the loader nor for an initialiser. Of
-    /// a library that the program has loaded by itself while it had several threads, the end is
-    /// known after the next load here.
-    static bool MayHaveBeenLoadingSince(std::uint64_t loadsEnded);
+    /// Whether a library may have been loading at any moment since the mark was taken. It never
+    /// waits, neither for the loader nor for an initialiser. A library that the program loads by
+    /// itself, while it has several threads, counts as loading for three seconds from the moment that
+    /// it is noticed, by this or by the next load.
+    static bool MayHaveBeenLoadingSince(std::uint64_t mark);
+
+    /// Whether it makes sense to wait for what may be loading: not in the thread that loads it, nor
+    /// where there is no other thread, and not after GiveUpOnLoads, until another library begins to
+    /// load.
+    static bool MayAwaitLoads();
+    static void GiveUpOnLoads();
 
     /// Why the last failure of LoadLibrary or GetFunctionAddress came about, as far as possible in
     /// the dynamic loader's own words; empty while none has failed. When several files were tried,

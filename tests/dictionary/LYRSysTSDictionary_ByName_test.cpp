@@ -1,5 +1,7 @@
 #include "TestSupport.h"
 
+#include <algorithm>
+
 TEST(EntriesByName, RepetitionsMergeInSilence) {
     ExpectErrors("", [] {
         Record* record = Add("C", "I", nullptr, "Leaf");
@@ -45,4 +47,12 @@ TEST(StaticRegistration, RecordsCreationFunctionsOnly) {
     LYRSysTSFillDictionary("C", "CreateInterface", Creator(1));
     EXPECT_FALSE(Find("C") || Dictionary::QueryDictionary("D", "CreateInterface", 0));
     EXPECT_EQ(Dictionary::QueryDictionary("C", "CreateInterface", 0)->creator.load(), Creator(1));
+}
+
+TEST(EntryRecord, LeavesNothingBehind) {
+    alignas(Record) static unsigned char memory[sizeof(Record)];
+    auto* const record = new (memory) Record;
+    std::memset(memory, 1, sizeof memory);
+    record->~Record();
+    EXPECT_EQ(std::count(std::begin(memory), std::end(memory), 0), sizeof memory);
 }

@@ -43,6 +43,18 @@ TEST(FactorySearch, FollowsTheFilesThroughARealLibrary) {
     }
 }
 
+TEST(FactorySearch, RemembersAnAbsenceAlsoWhenItHasLoadedTheLibraryBesideOtherThreads) {
+    const PartsFiles files;
+    std::promise<void> end;
+    const auto other = std::async(std::launch::async, [&] { end.get_future().wait(); });
+    auto* const gadget = Impl("Gadget");
+    for (const int i : {5, 4}) {
+        EXPECT_EQ(gadget->QueryDerivationInterfaceFactory(Id(i)), nullptr);
+        EXPECT_EQ(gadget->_GetInterfaceFactory(Id(i)), &_LYRSysTSNoSuchInterface) << i;
+    }
+    end.set_value();
+}
+
 TEST(FactorySearch, ClimbsToTheFirstPlainClassRemembersAllAndSaysThatNoPathIsSet) {
     ::unsetenv("LYRDictionaryPath");
     auto* middle = Impl("Middle", Class("Plain", PlainClass, Impl("Top")));
@@ -151,23 +163,31 @@ TEST(Libraries, AreNotKnownToOthersBeforeTheirInitialisersHaveRun) {
     EXPECT_TRUE(isLoadedForOthers.get());
 }
 
-TEST(FactorySearch, RemembersNoAbsenceForWantOfFileDescriptorsAndReadsTheFilesAgain) {
+TEST(FactorySearch, RemembersNothingForWantOfFileDescriptorsAndReadsTheFilesAgain) {
     const PartsFiles files;
-    const auto searchWith = [](rlim_t descriptors) {
+    const auto searchWith = [](rlim_t descriptors, LYRSysTSMetaClassImpl* asked) {
         rlimit before{};
         ::getrlimit(RLIMIT_NOFILE, &before);
         const rlimit limit{std::min(descriptors, before.rlim_cur), before.rlim_max};
         ::setrlimit(RLIMIT_NOFILE, &limit);
-        const Factory found = Impl("Gadget")->QueryDerivationInterfaceFactory(Id(1));
+        const Factory found = asked->QueryDerivationInterfaceFactory(Id(1));
         ::setrlimit(RLIMIT_NOFILE, &before);
         return found;
     };
+    auto* const derived = Impl("Derived", Impl("Gadget"));
+    auto* const other = Impl("Other", Impl("Gadget"));
     ExpectErrors("Error : scandir on " + files.path + "\n--> scandir(): Too many open files\n",
-                 [&] { EXPECT_EQ(searchWith(0), nullptr); });
+                 [&] { EXPECT_EQ(searchWith(0, Impl("Gadget")), nullptr); });
     ExpectErrors("", [&] {
         Dictionary::EnsureInitDictionary();
-        EXPECT_EQ(searchWith(0), nullptr);  // now the library does not load
-        EXPECT_NE(searchWith(RLIM_INFINITY), nullptr);
+        EXPECT_EQ(searchWith(0, derived), nullptr);  // now the library of its base does not load
+        const Factory found = searchWith(RLIM_INFINITY, derived);
+        EXPECT_TRUE(found != nullptr && Impl("Gadget")->_GetInterfaceFactory(Id(1)) == found);
+        // A base's answer does not take the place of its own.
+        LYRSysTSMetaClassExt::AddExtendedComponent(Class("Extra", KeptExtension), "Other");
+        Add("Other", "I1", "LyrTestHook", nullptr, "Extra");
+        EXPECT_EQ(searchWith(0, other), found);
+        EXPECT_NE(searchWith(RLIM_INFINITY, other), found);
     });
 }
 

@@ -84,20 +84,24 @@ TEST(LYRMutex, AnUnlockWakesASleeperOfItsOwn) {
 }
 
 #if !defined(__SANITIZE_THREAD__)  // it allows no threads in such a child
+static LYRSmartMutex held(0);
+static std::future<void> sleepers[2];
+
 TEST(LYRMutex, AChildProcessForgetsTheSleepers) {
-    LYRSmartMutex mutex(0);
-    Lock(mutex);
-    const std::future<void> a = LockElsewhere(mutex), b = LockElsewhere(mutex);
-    EXPECT_TRUE(Waits(a) && Waits(b));
+    Lock(held);
+    const auto sleepWhileItForks = [] {
+        for (auto& sleeper : sleepers) sleeper = LockElsewhere(held), EXPECT_TRUE(Waits(sleeper));
+    };
+    ::pthread_atfork(sleepWhileItForks, nullptr, nullptr);
     const pid_t child = ::fork();
     if (child == 0) {
         ::alarm(10);
-        const std::future<void> c = LockElsewhere(mutex), d = LockElsewhere(mutex);
+        const std::future<void> c = LockElsewhere(held), d = LockElsewhere(held);
         const bool wait = Waits(c) && Waits(d);
-        Unlock(mutex);
+        Unlock(held);
         ::_exit(wait && !Waits(c) && !Waits(d) ? 0 : 1);
     }
-    Unlock(mutex);
+    Unlock(held);
     int status = 1;
     ::waitpid(child, &status, 0);
     EXPECT_EQ(status, 0);

@@ -22,4 +22,4 @@ extern "C" API void* const PlatformEarly =
 
 // Neither its own loads nor its own thread take this one for ended.
 extern "C" API const bool PlatformIsLoading =
-    Manager::MayHaveBeenLoadingSince(Manager::LoadsEnded());
+    Manager::MayHaveBeenLoadingSince(Manager::MarkLoads());
