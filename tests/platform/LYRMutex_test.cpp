@@ -90,7 +90,10 @@ static std::future<void> sleepers[2];
 TEST(LYRMutex, AChildProcessForgetsTheSleepers) {
     Lock(held);
     const auto sleepWhileItForks = [] {
-        for (auto& sleeper : sleepers) sleeper = LockElsewhere(held), EXPECT_TRUE(Waits(sleeper));
+        for (auto& sleeper : sleepers) {
+            sleeper = LockElsewhere(held);
+            EXPECT_TRUE(Waits(sleeper));
+        }
     };
     ::pthread_atfork(sleepWhileItForks, nullptr, nullptr);
     const pid_t child = ::fork();
