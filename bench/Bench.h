@@ -21,12 +21,15 @@ enum class Company { kNone, kThreads };
 constexpr Company kCompanies[] = {Company::kNone, Company::kThreads};
 
 /// Lets there be, from now on, a thread that does nothing but exist.
-inline void StartCompanion(const benchmark::State&) {
+inline void EnsureCompanion() {
     static std::binary_semaphore end(0);
     static const struct Companion {
         std::jthread thread{[] { end.acquire(); }};
         ~Companion() { end.release(); }
     } companion;
+}
+inline void StartCompanion(const benchmark::State&) {
+    EnsureCompanion();
 }
 
 /// Registers `run`: without company in one thread, as "<name>/alone", else in each of the numbers

@@ -7,6 +7,7 @@
 #include <bit>
 #include <cstddef>
 #include <cstdint>
+#include <cstdio>
 #include <numeric>
 #include <random>
 #include <string>
@@ -15,7 +16,7 @@
 namespace bench {
 
 /// `prefix` and a name of `words` words; all numbers below 32^words give different ones.
-inline std::string Name(std::size_t number, int words, const char* prefix = "") {
+inline std::string Name(std::size_t number, int words, const std::string& prefix = "") {
     static constexpr const char* kWords[32] = {
         "Product", "Part",    "Assembly", "Feature",   "Sketch",  "Surface",  "Mesh",     "Drawing",
         "View",    "Layer",   "Material", "Tolerance", "Kine",    "Joint",    "Geometry", "Curve",
@@ -57,8 +58,7 @@ private:
 };
 
 /// Ids as scattered as real ones; the same in every run.
-inline std::vector<GUID> RandomIds(std::size_t count) {
-    std::mt19937 random(1);
+inline std::vector<GUID> RandomIds(std::size_t count, std::mt19937 random = std::mt19937(1)) {
     std::vector<GUID> ids(count);
     for (GUID& id : ids) {
         std::array<std::uint32_t, 4> words{};
@@ -66,6 +66,15 @@ inline std::vector<GUID> RandomIds(std::size_t count) {
         id = std::bit_cast<GUID>(words);
     }
     return ids;
+}
+
+/// An id as dictionary files have it.
+inline std::string Text(const GUID& id) {
+    char text[39];
+    std::snprintf(text, sizeof text, "{%08X-%04X-%04X-%02X%02X-%02X%02X%02X%02X%02X%02X}", id.Data1,
+                  id.Data2, id.Data3, id.Data4[0], id.Data4[1], id.Data4[2], id.Data4[3],
+                  id.Data4[4], id.Data4[5], id.Data4[6], id.Data4[7]);
+    return text;
 }
 
 /// The numbers below `count`, each once, in an order that nothing can guess.

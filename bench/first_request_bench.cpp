@@ -5,7 +5,6 @@
 #include "Bench.h"
 #include "Component.h"
 
-#include <cstdio>
 #include <dlfcn.h>
 #include <fstream>
 
@@ -14,20 +13,13 @@ namespace {
 constexpr int kCopies = LYR_BENCH_COPIES;
 constexpr int kWarmUp = 0;  // the copy that is used before the measurement
 
-std::string Text(const GUID& id) {
-    char text[39];
-    std::snprintf(text, sizeof text, "{%08X-%04X-%04X-%02X%02X-%02X%02X%02X%02X%02X%02X}", id.Data1,
-                  id.Data2, id.Data3, id.Data4[0], id.Data4[1], id.Data4[2], id.Data4[3],
-                  id.Data4[4], id.Data4[5], id.Data4[6], id.Data4[7]);
-    return text;
-}
-
 void WriteDictionary(const std::filesystem::path& directory) {
     std::ofstream names(directory / "bench.iidts");
     std::ofstream entries(directory / "bench.dicts");
     for (int copy = 0; copy < kCopies; ++copy) {
         const std::string number = std::to_string(copy);
-        names << Text(bench::ids[static_cast<std::size_t>(copy)]) << " IFirst" << number << '\n';
+        names << bench::Text(bench::ids[static_cast<std::size_t>(copy)]) << " IFirst" << number
+              << '\n';
         entries << "Component0 IFirst" << number << " libFirstRequest" << number << '\n';
     }
 }
