@@ -21,6 +21,12 @@ namespace bench {
 /// files name: maps, dlopen on demand, dlsym.
 class HandMade {
 public:
+    /// What the files say of a class.
+    struct Class {
+        std::string name;
+        std::string library;
+    };
+
     /// An object of a class.
     class Object {
     public:
@@ -45,6 +51,25 @@ public:
         }
     }
 
+    void AddInterface(std::string_view id, std::string_view name) {
+        _interfaces.emplace(IdFrom(id), name);
+    }
+    void AddClass(std::string_view id, std::string_view name, std::string_view library) {
+        _classes.emplace(IdFrom(id), Class{std::string(name), std::string(library)});
+    }
+
+    /// The name of the interface, and what is known of the class; null for an unknown id.
+    const std::string* FindInterface(const GUID& iid) {
+        const std::lock_guard lock(_mutex);
+        const auto found = _interfaces.find(iid);
+        return found != _interfaces.end() ? &found->second : nullptr;
+    }
+    const Class* FindClass(const GUID& clsid) {
+        const std::lock_guard lock(_mutex);
+        const auto found = _classes.find(clsid);
+        return found != _classes.end() ? &found->second : nullptr;
+    }
+
     /// The interface of the object, with a count for the caller; null when it has none.
     void* QueryInterface(Object& object, const GUID& iid) {
         const Factory factory = FindFactory(object.ClassName(), iid);
@@ -55,9 +80,9 @@ public:
 
     /// Whether the files name the pair and both ids.
     bool Knows(std::string_view className, std::string_view interfaceName, const GUID& iid,
-               const GUID& clsid) const {
+               const GUID& clsid) {
         return _implementations.contains(NamePairView(className, interfaceName)) &&
-               _interfaces.contains(iid) && _classes.contains(clsid);
+               FindInterface(iid) != nullptr && FindClass(clsid) != nullptr;
     }
 
 private:
@@ -66,10 +91,6 @@ private:
     struct Implementation {
         std::string library;
         Factory factory = nullptr;  // once somebody has asked for it
-    };
-    struct Class {
-        std::string name;
-        std::string library;
     };
     struct IdHash {
         std::size_t operator()(const GUID& id) const {
@@ -123,9 +144,9 @@ private:
                 _implementations.emplace(NamePair(first, second),
                                          Implementation{std::string(third)});
             } else if (kind == ".iidts") {
-                _interfaces.emplace(IdFrom(first), second);
+                AddInterface(first, second);
             } else if (kind == ".clsidts") {
-                _classes.emplace(IdFrom(first), Class{std::string(second), std::string(third)});
+                AddClass(first, second, third);
             }
         }
         std::fclose(file);

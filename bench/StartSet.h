@@ -53,6 +53,13 @@ struct StartSet {
     std::string ClassName(std::size_t number) const { return Name(number, 4, prefix); }
     std::string InterfaceName(std::size_t number) const { return Name(number, 3, "I" + prefix); }
 
+    /// How the ".clsidts" files write the library of a class: every other time without "lib", which
+    /// there is not taken off and makes a difference.
+    std::string LibraryOfClass(std::size_t number) const {
+        return LibraryName(number / ClassesOfALibrary()).substr(WritesLib(number) ? 0 : 3);
+    }
+    static bool WritesLib(std::size_t classNumber) { return classNumber % 2 == 0; }
+
     /// The ids of the interfaces and, behind them, of the classes.
     std::vector<GUID> Ids() const {
         std::seed_seq seed(prefix.begin(), prefix.end());

@@ -89,7 +89,7 @@ void WriteDictionaries(const StartSet& set) {
             }
             if (i % StartSet::kInterfaces == 0) {
                 classes << bench::Text(ids[set.Interfaces() + entry.classNumber]) << ' '
-                        << className << ' ' << name << '\n';
+                        << className << ' ' << set.LibraryOfClass(entry.classNumber) << '\n';
             }
         }
     }
