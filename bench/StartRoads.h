@@ -21,20 +21,20 @@ public:
         LYRSysTSMetaClass* const _metaObject;
     };
 
-    Object* Make(const std::string& className, const GUID& clsid) {
+    static Object* Make(const std::string& className, const GUID& clsid) {
         return new Object(LYRSysTSFindOrCreateMetaObject(className.c_str(), ImplementationClass,
                                                          &clsid, LYRSysTSBaseUnknown::MetaObject(),
                                                          nullptr));
     }
-    void Read() { LYRSysTSDictionary::EnsureInitDictionary(); }
-    bool Knows(const std::string& className, const std::string& interfaceName, const GUID& iid,
-               const GUID& clsid) {
+    static void Read() { LYRSysTSDictionary::EnsureInitDictionary(); }
+    static bool Knows(const std::string& className, const std::string& interfaceName,
+                      const GUID& iid, const GUID& clsid) {
         return LYRSysTSDictionary::QueryDictionary(className.c_str(), interfaceName.c_str(), 0) !=
                    nullptr &&
                LYRSysTSDicoIIDName::QueryDicoIIDNameByIID(iid) != nullptr &&
                LYRSysTSDicoCLSIDName::QueryDicoCLSIDNameByCLSID(clsid) != nullptr;
     }
-    void* Ask(Object& object, const GUID& iid) {
+    static void* Ask(Object& object, const GUID& iid) {
         void* answer = nullptr;
         object.QueryInterface(iid, &answer);
         return answer;
@@ -46,9 +46,12 @@ class HandMadeRoad {
 public:
     using Object = HandMade::Object;
 
-    Object* Make(const std::string& className, const GUID&) { return new Object(className); }
+    static Object* Make(const std::string& className, const GUID&) { return new Object(className); }
     void Read() {
-        std::call_once(_isRead, [this] { _all.Read(std::getenv("LYRDictionaryPath")); });
+        std::call_once(_isRead, [this] {
+            const char* const path = std::getenv("LYRDictionaryPath");
+            if (path != nullptr) _all.Read(path);
+        });
     }
     bool Knows(const std::string& className, const std::string& interfaceName, const GUID& iid,
                const GUID& clsid) {

@@ -2,6 +2,8 @@
 
 #include "Names.h"
 
+#include <cstdio>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <string>
@@ -26,6 +28,10 @@ struct StartSet {
         set.directory = directory;
         std::ifstream shape(set.ShapeFile());
         shape >> set.libraries >> set.entryPoints >> set.prefix;
+        if (set.Entries() == 0) {
+            std::fprintf(stderr, "no libraries in %s\n", directory.c_str());
+            std::exit(1);
+        }
         return set;
     }
     std::filesystem::path ShapeFile() const { return directory / "shape"; }
