@@ -3,6 +3,7 @@
 #include "GUID.h"
 #include "Maps.h"
 
+#include <algorithm>
 #include <atomic>
 #include <charconv>
 #include <cstdint>
