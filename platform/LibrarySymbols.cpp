@@ -25,27 +25,22 @@ LibrarySymbols::LibrarySymbols(const link_map& library) : _base(library.l_addr) 
         if (entry->d_tag == DT_VERSYM) _versions = reinterpret_cast<const ElfW(Half)*>(address);
         if (entry->d_tag == DT_GNU_HASH) table = reinterpret_cast<const std::uint32_t*>(address);
     }
-    if (table == nullptr || table[2] == 0 || _symbols == nullptr || _names == nullptr) return;
+    if (table == nullptr || _symbols == nullptr || _names == nullptr) return;
+    const std::uint32_t filterSize = table[2];
+    const auto* const filter = reinterpret_cast<const ElfW(Addr)*>(table + 4);
     _bucketCount = table[0];
     _firstSymbol = table[1];
-    _filterSize = table[2];
-    _filterShift = table[3];
-    _filter = reinterpret_cast<const ElfW(Addr)*>(table + 4);
-    _buckets = reinterpret_cast<const std::uint32_t*>(_filter + _filterSize);
+    _buckets = reinterpret_cast<const std::uint32_t*>(filter + filterSize);
     _hashes = _buckets + _bucketCount;
 }
 
 void* LibrarySymbols::Find(const char* name) const {
     if (_bucketCount == 0) return nullptr;
-    constexpr std::uint32_t kBits = 8 * sizeof(ElfW(Addr));
     const std::uint32_t hash = HashOf(name);
-    const ElfW(Addr) filter = _filter[hash / kBits % _filterSize];
-    if ((filter >> hash % kBits & filter >> (hash >> _filterShift) % kBits & 1) == 0)
-        return nullptr;
-
     std::uint32_t symbol = _buckets[hash % _bucketCount];
     if (symbol < _firstSymbol) return nullptr;
     for (;; ++symbol) {
+        __builtin_prefetch(_symbols + symbol);  // arrives while the hash does
         const std::uint32_t known = _hashes[symbol - _firstSymbol];
         const bool isSame =
             (known | 1) == (hash | 1) && std::strcmp(_names + _symbols[symbol].st_name, name) == 0;

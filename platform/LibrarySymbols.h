@@ -26,13 +26,11 @@ private:
     const char* _names = nullptr;
     const ElfW(Half) * _versions = nullptr;  // null: there are none
 
-    // The table: of its buckets, each begins a chain of symbols that lie one after the other. The
-    // filter tells of most names that are not there that they are not.
+    // The table: each bucket begins a chain of symbols that lie one after the other. (It also has a
+    // filter for names that are not there. Mostly they are, and it would be one more line of memory
+    // to wait for.)
     std::uint32_t _bucketCount = 0;  // 0 without a table
     std::uint32_t _firstSymbol = 0;
-    std::uint32_t _filterSize = 0;
-    std::uint32_t _filterShift = 0;
-    const ElfW(Addr) * _filter = nullptr;
     const std::uint32_t* _buckets = nullptr;
     const std::uint32_t* _hashes = nullptr;  // from the first symbol; the last of a chain is odd
 };
