@@ -3,6 +3,7 @@
 #include "dictionary/Messages.h"
 #include "registries/Intern.h"
 #include "support/MutexGuard.h"
+#include "support/SharedField.h"
 #include "support/Shortage.h"
 #include "support/Text.h"
 

@@ -1,9 +1,8 @@
 #pragma once
 
-#include "SharedField.h"
-
 #include <cstddef>
 #include <span>
+#include <utility>
 
 namespace lyr {
 
@@ -15,21 +14,19 @@ struct ChainSlot {
     Link* link;
 };
 
-/// Walks the chain from `head` to the first link for which `stop` holds, or to its end. A thread
-/// may walk while another hangs links at the end with StoreShared.
+/// Walks the chain from `head` to the first link for which `stop` holds, or to its end.
 template <typename Link, typename Stop>
 ChainSlot<Link> FindSlot(Link*& head, Stop stop) {
     Link** place = &head;
-    Link* link = LoadShared(*place);
+    Link* link = *place;
     while (link != nullptr && !stop(*link)) {
         place = &link->next;
-        link = LoadShared(*place);
+        link = *place;
     }
     return {place, link};
 }
 
-/// The last link of each chain of a table, so that hanging one more does not walk the chain. For
-/// tables whose chains are walked and changed under the table's lock.
+/// The last link of each chain of a table, so that hanging one more does not walk the chain.
 template <typename Link, std::size_t buckets>
 class ChainTails {
 public:
@@ -53,8 +50,7 @@ private:
 template <typename Link, std::size_t buckets, typename Dispose>
 void FreeChains(std::span<Link*, buckets> heads, Dispose dispose) {
     for (Link*& head : heads) {
-        Link* link = LoadShared(head);
-        StoreShared(head, nullptr);
+        Link* link = std::exchange(head, nullptr);
         while (link != nullptr) {
             Link* const next = link->next;
             dispose(link);
@@ -66,7 +62,7 @@ void FreeChains(std::span<Link*, buckets> heads, Dispose dispose) {
 /// Makes every chain of a table empty without freeing anything.
 template <typename Link, std::size_t buckets>
 void ClearHeads(Link* (&heads)[buckets]) {
-    for (Link*& head : heads) StoreShared(head, nullptr);
+    for (Link*& head : heads) head = nullptr;
 }
 
 }  // namespace lyr
