@@ -38,8 +38,8 @@ public:
 
     /// Whether a library may have been loading at any moment since the mark was taken. It never
     /// waits, neither for the loader nor for an initialiser. A library that the program loads by
-    /// itself, while it has several threads, counts as loading for three seconds from the moment that
-    /// it is noticed, by this or by the next load.
+    /// itself, while it has several threads, counts as loading for three seconds from the moment
+    /// that it is noticed, by this or by the next load.
     static bool MayHaveBeenLoadingSince(std::uint64_t mark);
 
     /// Whether it makes sense to wait for what may be loading: not in the thread that loads it, nor
