@@ -10,7 +10,8 @@ extern "C" API int PlatformAnswer() {
 }
 
 // One that is chosen when it is looked up: what stands in the table chooses.
-extern "C" auto PlatformChoose() {
+using Answer = int (*)();
+extern "C" Answer PlatformChoose() {
     return &PlatformAnswer;
 }
 extern "C" API int PlatformChosen() __attribute__((ifunc("PlatformChoose")));
