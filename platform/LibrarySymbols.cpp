@@ -6,6 +6,12 @@ namespace lyr {
 
 namespace {
 
+/// What stands at an address, which the loader tells as a number.
+template <typename Thing>
+const Thing* At(std::uintptr_t address) {
+    return reinterpret_cast<const Thing*>(address);  // NOLINT(performance-no-int-to-ptr)
+}
+
 std::uint32_t HashOf(const char* name) {
     std::uint32_t hash = 5381;
     for (; *name != '\0'; ++name) hash = hash * 33 + static_cast<unsigned char>(*name);
@@ -20,10 +26,10 @@ LibrarySymbols::LibrarySymbols(const link_map& library) : _base(library.l_addr) 
         // Most loaders, and not all, have added the base to the addresses that stand here.
         const std::uintptr_t value = entry->d_un.d_ptr;
         const std::uintptr_t address = value < _base ? value + _base : value;
-        if (entry->d_tag == DT_SYMTAB) _symbols = reinterpret_cast<const ElfW(Sym)*>(address);
-        if (entry->d_tag == DT_STRTAB) _names = reinterpret_cast<const char*>(address);
-        if (entry->d_tag == DT_VERSYM) _versions = reinterpret_cast<const ElfW(Half)*>(address);
-        if (entry->d_tag == DT_GNU_HASH) table = reinterpret_cast<const std::uint32_t*>(address);
+        if (entry->d_tag == DT_SYMTAB) _symbols = At<ElfW(Sym)>(address);
+        if (entry->d_tag == DT_STRTAB) _names = At<char>(address);
+        if (entry->d_tag == DT_VERSYM) _versions = At<ElfW(Half)>(address);
+        if (entry->d_tag == DT_GNU_HASH) table = At<std::uint32_t>(address);
     }
     if (table == nullptr || _symbols == nullptr || _names == nullptr) return;
     const std::uint32_t filterSize = table[2];
@@ -45,7 +51,7 @@ void* LibrarySymbols::Find(const char* name) const {
         const bool isSame =
             (known | 1) == (hash | 1) && std::strcmp(_names + _symbols[symbol].st_name, name) == 0;
         if (isSame && IsPlain(symbol)) {
-            return reinterpret_cast<void*>(_base + _symbols[symbol].st_value);
+            return const_cast<char*>(At<char>(_base + _symbols[symbol].st_value));
         }
         if ((known & 1) != 0) return nullptr;
     }

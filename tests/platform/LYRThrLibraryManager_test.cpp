@@ -35,8 +35,9 @@ TEST(LYRThrLibraryManager, AllFormsOfANameReachOneFileAndNothingElseDoes) {
         EXPECT_EQ(Manager::LoadLibrary(name), handle) << name;
     }
     EXPECT_NE(Manager::LoadLibrary("PlatformBare.so"), nullptr) << Manager::LastFailure();
+    const std::string path = IN_DIRECTORY("PlatformBare");
     for (const char* name : {static_cast<const char*>(nullptr), "", "/", "PlatformUse",
-                             "PlatformBare", "libPlatformBare.so", IN_DIRECTORY("PlatformBare")}) {
+                             "PlatformBare", "libPlatformBare.so", path.c_str()}) {
         EXPECT_FALSE(Manager::LoadLibrary(name));
         EXPECT_FALSE(Manager::GetFunctionAddress(name, "PlatformAnswer"));
     }
