@@ -21,7 +21,7 @@ public:
 private:
     bool IsPlain(std::uint32_t symbol) const;
 
-    std::uintptr_t _base;
+    std::uintptr_t _base = 0;
     const ElfW(Sym) * _symbols = nullptr;
     const char* _names = nullptr;
     const ElfW(Half) * _versions = nullptr;  // null: there are none
