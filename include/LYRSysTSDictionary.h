@@ -111,8 +111,10 @@ public:
 
     /// Reads the dictionary files of the directories of LYRDictionaryPath, once per process. Says
     /// on standard error when that variable is not set, or LYRDictionaryNoPathNoFallback is; then
-    /// the next request asks again. When memory runs out on the way, the next request reads them
-    /// again, which may repeat messages. Returns at once when the calling thread is reading them.
+    /// the next request asks again. What there is to say about the files is said when all have been
+    /// read, with the lock free. When memory or file descriptors run out on the way, the next
+    /// request reads them again, which may repeat messages. Returns at once when the calling thread
+    /// is reading them.
     static void EnsureInitDictionary();
 
     /// For scandir: 1 for the name of a dictionary file, 0 for any other and for null.

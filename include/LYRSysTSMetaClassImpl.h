@@ -34,9 +34,10 @@ public:
 
     /// Looks in the table, then in the dictionary and the library that it names, then asks the
     /// base class, and remembers the answer. Of several searches at the same time the first answer
-    /// is that of all. An absence is not remembered when memory or file descriptors ran out, or
-    /// while a library was loading, which may be what brings the interface; a request beside the
-    /// load of an extension's library waits for that, a second at most.
+    /// is that of all. An absence, and the base's answer in its place, are not remembered when
+    /// memory or file descriptors ran out, or while a library was loading, which may be what brings
+    /// the interface; a request beside the load of an extension's library waits for that, a second
+    /// at most.
     LYRSysTSInterfaceFactory QueryDerivationInterfaceFactory(const GUID& iid) override;
 
     /// What the table remembers for `iid`, _LYRSysTSNoSuchInterface included; null for nothing.

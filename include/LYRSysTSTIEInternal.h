@@ -22,7 +22,7 @@ public:
     /// S_OK with a non-null `result`. E_FAIL with null:
     /// - a null object or meta-object, or an object of another class;
     /// - an extension of neither kind, or one to be made with a null `create` or without memory;
-    /// - a `create` whose instance has a class that is no extension of that kind: it is deleted;
+    /// - a `create` whose instance has a class that is no extension of that kind: it is released;
     /// - a kept extension of an object that is itself an extension.
     static HRESULT Tie_Construct(LYRSysTSBaseUnknown* object, LYRSysTSMetaClass* metaClass,
                                  LYRSysTSBaseUnknown* (*create)(), LYRSysTSBaseUnknown*& result);
