@@ -10,7 +10,7 @@
 #include <cstring>
 #include <new>
 
-namespace lyr {
+namespace lyr::internal {
 
 namespace {
 
@@ -142,4 +142,4 @@ LYRSysTSInfoDic* Add(Addition& addition, LYRSysTSInfoDic* info) {
     return addition.Record();
 }
 
-}  // namespace lyr
+}  // namespace lyr::internal

@@ -4,7 +4,7 @@
 
 #include <memory>
 
-namespace lyr {
+namespace lyr::internal {
 
 /// One addition to one table of the dictionary. It goes in two steps under one hold of the lock:
 /// Prepare, once, does all that can be refused or fail, and changes nothing that others see; Commit
@@ -75,4 +75,4 @@ struct PairedAddition {
 /// refused or memory is out; null without one when the dictionary is closed.
 LYRSysTSInfoDic* Add(Addition& addition, LYRSysTSInfoDic* info);
 
-}  // namespace lyr
+}  // namespace lyr::internal

@@ -15,7 +15,7 @@
 #include <dirent.h>
 #include <string>
 
-namespace lyr {
+namespace lyr::internal {
 
 namespace {
 
@@ -145,4 +145,4 @@ bool EnsureDictionaryFilesAreRead() {
     return areRead;
 }
 
-}  // namespace lyr
+}  // namespace lyr::internal

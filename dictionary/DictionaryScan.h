@@ -2,7 +2,7 @@
 
 #include "LYRSysTSDictionary.h"
 
-namespace lyr {
+namespace lyr::internal {
 
 /// Reads the dictionary files, once per process: what LYRSysTSDictionary::EnsureInitDictionary
 /// documents. False when more of them may be read by the next call: memory or file descriptors were
@@ -13,4 +13,4 @@ bool EnsureDictionaryFilesAreRead();
 /// is too long for the string store is never noted. Throws std::bad_alloc.
 bool IsFirstOfItsName(const char* name) LYR_REQUIRES(GetGlobalDicoMutex());
 
-}  // namespace lyr
+}  // namespace lyr::internal

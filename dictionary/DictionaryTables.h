@@ -8,7 +8,7 @@
 
 #include <cstddef>
 
-namespace lyr {
+namespace lyr::internal {
 
 /// One of the two tables of the dictionary, with what stands beside it.
 struct EntryTable {
@@ -84,4 +84,4 @@ struct DictionaryTables {
     }
 };
 
-}  // namespace lyr
+}  // namespace lyr::internal

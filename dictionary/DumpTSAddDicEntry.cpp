@@ -60,15 +60,16 @@ int DumpTSAddDicEntry(const GUID* clsid, const GUID* iid, const char* className,
     if (byId) {
         clsidText = ToText(*clsid);
         iidText = ToText(*iid);
-        className = NameOf(info ? lyr::LoadShared(info->className) : nullptr, *clsid);
-        interfaceName = NameOf(info ? lyr::LoadShared(info->interfaceName) : nullptr, *iid);
+        className = NameOf(info ? lyr::internal::LoadShared(info->className) : nullptr, *clsid);
+        interfaceName =
+            NameOf(info ? lyr::internal::LoadShared(info->interfaceName) : nullptr, *iid);
     }
     const auto* const function = reinterpret_cast<void*>(factory);
 
     std::puts(kRule);
     std::printf(byName ? "NewEntry_NAME_%-6d :" : "NewEntry_GUID_%-6d :", count.load());
-    std::printf(" %s %s %s %s in_info:0x%p \n", lyr::TextOrNull(className),
-                lyr::TextOrNull(interfaceName), byId ? clsidText.data() : "(null)",
+    std::printf(" %s %s %s %s in_info:0x%p \n", lyr::internal::TextOrNull(className),
+                lyr::internal::TextOrNull(interfaceName), byId ? clsidText.data() : "(null)",
                 byId ? iidText.data() : "(null)", static_cast<void*>(info));
     std::puts(kThinRule);
     if (sharedLibrary != nullptr) {

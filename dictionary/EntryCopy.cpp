@@ -2,7 +2,7 @@
 
 #include "dictionary/DictionaryTables.h"
 
-namespace lyr {
+namespace lyr::internal {
 
 namespace {
 
@@ -21,4 +21,4 @@ EntryCopy EntryCopy::Of(const GUID& clsid, const GUID& iid, short load) {
     return DictionaryTables::ReadEntry(clsid, iid, load, &Copy);
 }
 
-}  // namespace lyr
+}  // namespace lyr::internal

@@ -2,7 +2,7 @@
 
 #include "LYRSysTSInfoDic.h"
 
-namespace lyr {
+namespace lyr::internal {
 
 /// What an entry of the dictionary says, copied under its lock: as soon as that is given back,
 /// another thread may fill the record, or free it in _DeleteDictionary.
@@ -18,4 +18,4 @@ struct EntryCopy {
     static EntryCopy Of(const GUID& clsid, const GUID& iid, short load);
 };
 
-}  // namespace lyr
+}  // namespace lyr::internal

@@ -2,9 +2,9 @@
 
 #include "GUID.h"
 
-namespace lyr {
+namespace lyr::internal {
 
 /// LYRSysTSDictionary::GetInterfaceName; `load` as in the dictionary's queries.
 const char* InterfaceName(const GUID& id, short load);
 
-}  // namespace lyr
+}  // namespace lyr::internal

@@ -18,8 +18,8 @@ bool ReadKeywords(char** words, int count, const char*& itfLeaf, const char*& ex
     for (int i = 3; i < count; i += 2) {
         const char* const keyword = words[i];
         if (i + 1 == count || keyword == nullptr) return false;
-        const bool isLeaf = lyr::SameText(keyword, "ITFLEAF");
-        if (!isLeaf && !lyr::SameText(keyword, "EXTENDED_BY")) return false;
+        const bool isLeaf = lyr::internal::SameText(keyword, "ITFLEAF");
+        if (!isLeaf && !lyr::internal::SameText(keyword, "EXTENDED_BY")) return false;
         if (!TakeOnce(isLeaf ? itfLeaf : extendedBy, words[i + 1])) return false;
     }
     return true;
@@ -36,7 +36,8 @@ HRESULT LYRSysTSDicReader::PutInfo(char** words, int count, const char* path, in
     const char* itfLeaf = nullptr;
     const char* extendedBy = nullptr;
     if (!HasNames(words, count) || !ReadKeywords(words, count, itfLeaf, extendedBy)) {
-        lyr::Say("Problem reading dico : %s line %d\n", lyr::TextOrNull(path), lineNumber);
+        lyr::internal::Say("Problem reading dico : %s line %d\n", lyr::internal::TextOrNull(path),
+                           lineNumber);
         return E_FAIL;
     }
     // The dictionary says itself when it refuses the entry, and the file is read on.

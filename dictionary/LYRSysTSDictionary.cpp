@@ -9,8 +9,8 @@
 
 #include <bit>
 
-constinit DicEntryLink* LYRSysTSDictionary::_dicByName[lyr::kPairBuckets] = {};
-constinit DicEntryLink* LYRSysTSDictionary::_dicByGUID[lyr::kPairBuckets] = {};
+constinit DicEntryLink* LYRSysTSDictionary::_dicByName[lyr::internal::kPairBuckets] = {};
+constinit DicEntryLink* LYRSysTSDictionary::_dicByGUID[lyr::internal::kPairBuckets] = {};
 constinit std::atomic<bool> LYRSysTSDictionary::_DictionaryCleared = false;
 constinit std::atomic<bool> LYRSysTSDictionary::_DictionaryDeleted = false;
 constinit ReadFileLink** LYRSysTSDictionary::_readDicFiles = nullptr;
@@ -24,17 +24,17 @@ LYRSmartMutex* GetGlobalDicoMutex() {
 
 namespace {
 
-[[gnu::constructor(lyr::kStartDicoMutex)]] void MakeDicoMutex() {
+[[gnu::constructor(lyr::internal::kStartDicoMutex)]] void MakeDicoMutex() {
     StaticDicoMutextToForceInitDuringDllLoading = GetGlobalDicoMutex();
 }
 
 }  // namespace
 
 void LYRSysTSDictionary::_ClearDictionary() {
-    const lyr::MutexGuard guard(*GetGlobalDicoMutex());
+    const lyr::internal::MutexGuard guard(*GetGlobalDicoMutex());
     if (_DictionaryCleared) return;
-    lyr::ClearHeads(_dicByName);
-    lyr::ClearHeads(_dicByGUID);
+    lyr::internal::ClearHeads(_dicByName);
+    lyr::internal::ClearHeads(_dicByGUID);
     _DictionaryCleared = true;
 }
 
@@ -42,16 +42,17 @@ void LYRSysTSDictionary::_DeleteDictionary() {
     if (!_DictionaryCleared || _DictionaryDeleted.exchange(true)) return;
     {
         // A record with a class name is left to the table by name.
-        const lyr::MutexGuard guard(*GetGlobalDicoMutex());
-        lyr::DictionaryTables::byGUID.Clear([](const LYRSysTSInfoDic* record) {
+        const lyr::internal::MutexGuard guard(*GetGlobalDicoMutex());
+        lyr::internal::DictionaryTables::byGUID.Clear([](const LYRSysTSInfoDic* record) {
             if (record != nullptr && record->className == nullptr) delete record;
         });
     }
-    const lyr::MutexGuard guard(*GetGlobalDicoMutex());
-    lyr::DictionaryTables::byName.Clear([](const LYRSysTSInfoDic* record) { delete record; });
+    const lyr::internal::MutexGuard guard(*GetGlobalDicoMutex());
+    lyr::internal::DictionaryTables::byName.Clear(
+        [](const LYRSysTSInfoDic* record) { delete record; });
 }
 
-namespace lyr {
+namespace lyr::internal {
 
 constinit EntryTable DictionaryTables::byName{LYRSysTSDictionary::_dicByName};
 constinit EntryTable DictionaryTables::byGUID{LYRSysTSDictionary::_dicByGUID};
@@ -78,4 +79,4 @@ LYRSysTSInfoDic* DictionaryTables::Find(std::size_t hash, const GUID& clsid, con
     });
 }
 
-}  // namespace lyr
+}  // namespace lyr::internal

@@ -14,21 +14,23 @@
 namespace {
 
 std::uint32_t IdSum(const GUID* id) {
-    return id != nullptr ? lyr::WeightedByteSum<signed char>(lyr::GuidBytes(*id), 1) : 0;
+    return id != nullptr
+               ? lyr::internal::WeightedByteSum<signed char>(lyr::internal::GuidBytes(*id), 1)
+               : 0;
 }
 
 }  // namespace
 
 int LYRSysTSDictionary::_ComputeHashKey(const GUID* a, const GUID* b) {
-    return lyr::PairBucket(IdSum(a), IdSum(b));
+    return lyr::internal::PairBucket(IdSum(a), IdSum(b));
 }
 
 LYRSysTSInfoDic* LYRSysTSDictionary::AddDictionaryTS(const GUID& clsid, const GUID& iid,
                                                      LYRSysTSInterfaceFactory creator,
                                                      LYRSysTSInfoDic* info) {
     if (creator == nullptr) return nullptr;
-    lyr::Addition addition(clsid, iid, creator);
-    return lyr::Add(addition, info);
+    lyr::internal::Addition addition(clsid, iid, creator);
+    return lyr::internal::Add(addition, info);
 }
 
 LYRSysTSInfoDic* LYRSysTSDictionary::AddDictionaryTS(const GUID* clsid, const GUID* iid,
@@ -46,36 +48,37 @@ LYRSysTSInfoDic* LYRSysTSDictionary::AddDictionaryTS(const GUID* clsid, const GU
                                nullptr);
     }
 
-    lyr::DictionaryTables::EnsureCleared();
-    lyr::PairedAddition both{{*clsid, *iid, creator},
-                             {className, interfaceName, sharedLibrary, nullptr, nullptr, creator}};
-    lyr::Refusals refusals;
-    const lyr::MutexGuard guard(*GetGlobalDicoMutex());
+    lyr::internal::DictionaryTables::EnsureCleared();
+    lyr::internal::PairedAddition both{
+        {*clsid, *iid, creator},
+        {className, interfaceName, sharedLibrary, nullptr, nullptr, creator}};
+    lyr::internal::Refusals refusals;
+    const lyr::internal::MutexGuard guard(*GetGlobalDicoMutex());
     if (_DictionaryDeleted) return nullptr;
     const auto make = [&]() LYR_REQUIRES(GetGlobalDicoMutex()) {
         both.Make(refusals);
         return true;
     };
-    if (!lyr::RefuseOnShortage(false, make)) ++refusals.count;
+    if (!lyr::internal::RefuseOnShortage(false, make)) ++refusals.count;
     return both.byNames.Record();
 }
 
 LYRSysTSInfoDic* LYRSysTSDictionary::QueryDictionary(const GUID& clsid, const GUID& iid,
                                                      short load) {
-    using Tables = lyr::DictionaryTables;
+    using Tables = lyr::internal::DictionaryTables;
     return Tables::ReadEntry(clsid, iid, load, &Tables::Record);
 }
 
 LYRSysTSMetaClass* LYRSysTSDictionary::QueryMetaObject(const GUID& clsid) {
-    using Tables = lyr::DictionaryTables;
+    using Tables = lyr::internal::DictionaryTables;
     return Tables::ReadEntry(clsid, CLSID_LYRSysTSMetaClass, 1, &Tables::MetaObject);
 }
 
 const char* LYRSysTSDictionary::GetInterfaceName(const GUID& iid) {
-    return lyr::InterfaceName(iid, 1);
+    return lyr::internal::InterfaceName(iid, 1);
 }
 
-const char* lyr::InterfaceName(const GUID& id, short load) {
+const char* lyr::internal::InterfaceName(const GUID& id, short load) {
     using Tables = DictionaryTables;
     const LYRSysTSMetaClass* const metaObject =
         Tables::ReadEntry(id, CLSID_LYRSysTSMetaClass, load, &Tables::MetaObject);

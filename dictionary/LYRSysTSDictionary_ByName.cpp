@@ -9,13 +9,14 @@
 namespace {
 
 std::uint32_t TextSum(const char* text) {
-    return text != nullptr ? lyr::WeightedByteSum<signed char>(std::string_view(text), 1) : 0;
+    return text != nullptr ? lyr::internal::WeightedByteSum<signed char>(std::string_view(text), 1)
+                           : 0;
 }
 
 }  // namespace
 
 int LYRSysTSDictionary::_ComputeHashKey(const char* a, const char* b) {
-    return lyr::PairBucket(TextSum(a), TextSum(b));
+    return lyr::internal::PairBucket(TextSum(a), TextSum(b));
 }
 
 LYRSysTSInfoDic* LYRSysTSDictionary::AddDictionaryTS(const char* className,
@@ -25,17 +26,18 @@ LYRSysTSInfoDic* LYRSysTSDictionary::AddDictionaryTS(const char* className,
                                                      LYRSysTSInterfaceFactory creator,
                                                      LYRSysTSInfoDic* info) {
     if (className == nullptr || interfaceName == nullptr) return nullptr;
-    lyr::Addition addition(className, interfaceName, sharedLibrary, itfLeaf, extendedBy, creator);
-    return lyr::Add(addition, info);
+    lyr::internal::Addition addition(className, interfaceName, sharedLibrary, itfLeaf, extendedBy,
+                                     creator);
+    return lyr::internal::Add(addition, info);
 }
 
 LYRSysTSInfoDic* LYRSysTSDictionary::QueryDictionary(const char* className,
                                                      const char* interfaceName, short load) {
-    using Tables = lyr::DictionaryTables;
+    using Tables = lyr::internal::DictionaryTables;
     return Tables::ReadEntry(className, interfaceName, load, &Tables::Record);
 }
 
 LYRSysTSMetaClass* LYRSysTSDictionary::QueryMetaObject(const char* className) {
-    using Tables = lyr::DictionaryTables;
+    using Tables = lyr::internal::DictionaryTables;
     return Tables::ReadEntry(className, "MetaObject", 0, &Tables::MetaObject);
 }

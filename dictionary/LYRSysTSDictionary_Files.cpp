@@ -24,8 +24,8 @@ bool HasExtension(std::string_view name, std::string_view extension) {
 /// Says that the call has failed on the file, and why.
 HRESULT Fail(const char* call, const char* path) {
     const int error = errno;
-    lyr::CountShortage(error);
-    lyr::SayFailure(call, path, error);
+    lyr::internal::CountShortage(error);
+    lyr::internal::SayFailure(call, path, error);
     return E_FAIL;
 }
 
@@ -53,8 +53,8 @@ HRESULT LYRSysTSDictionary::_ReadDictionary(const char* path, LYRSysTSDictionary
     __fsetlocking(file.get(), FSETLOCKING_BYCALLER);
     char piece[2048];
     for (int lineNumber = 1; std::fgets(piece, sizeof piece, file.get()) != nullptr; ++lineNumber) {
-        char* words[lyr::kMaxWords];
-        const int count = lyr::CutWords(piece, words);
+        char* words[lyr::internal::kMaxWords];
+        const int count = lyr::internal::CutWords(piece, words);
         if (count == 0) continue;
         if (reader->PutInfo(words, count, path, lineNumber) < 0) return E_FAIL;
     }

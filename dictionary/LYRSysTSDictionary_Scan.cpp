@@ -5,14 +5,14 @@
 #include "support/Shortage.h"
 
 void LYRSysTSDictionary::EnsureInitDictionary() {
-    lyr::EnsureDictionaryFilesAreRead();
+    lyr::internal::EnsureDictionaryFilesAreRead();
 }
 
 int LYRSysTSDictionary::_DicoIsAlreadyRead(const char* name) {
     if (name == nullptr) return 0;
-    const lyr::MutexGuard guard(*GetGlobalDicoMutex());
-    if (lyr::DictionaryTables::MetNames() == nullptr) return 0;
-    return lyr::RefuseOnShortage(0, [=]() LYR_REQUIRES(GetGlobalDicoMutex()) {
-        return lyr::IsFirstOfItsName(name) ? 0 : 1;
+    const lyr::internal::MutexGuard guard(*GetGlobalDicoMutex());
+    if (lyr::internal::DictionaryTables::MetNames() == nullptr) return 0;
+    return lyr::internal::RefuseOnShortage(0, [=]() LYR_REQUIRES(GetGlobalDicoMutex()) {
+        return lyr::internal::IsFirstOfItsName(name) ? 0 : 1;
     });
 }

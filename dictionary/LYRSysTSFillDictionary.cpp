@@ -6,7 +6,7 @@
 LYRSysTSFillDictionary::LYRSysTSFillDictionary(const char* className, const char* interfaceName,
                                                LYRSysTSInterfaceFactory factory) {
     if (className == nullptr || interfaceName == nullptr || factory == nullptr) return;
-    if (!lyr::SameText(interfaceName, "CreateInterface")) return;
+    if (!lyr::internal::SameText(interfaceName, "CreateInterface")) return;
     LYRSysTSDictionary::AddDictionaryTS(className, interfaceName, nullptr, nullptr, nullptr,
                                         factory, nullptr);
 }

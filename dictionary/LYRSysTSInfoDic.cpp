@@ -14,10 +14,11 @@ LYRSysTSInfoDic::LYRSysTSInfoDic() noexcept
 
 // Atomic stores: a compiler drops plain ones into a dying object.
 LYRSysTSInfoDic::~LYRSysTSInfoDic() {
-    for (const GUID** const id : {&clsid, &iid}) lyr::StoreShared(*id, nullptr);
+    for (const GUID** const id : {&clsid, &iid}) lyr::internal::StoreShared(*id, nullptr);
     for (const char** const text : {&className, &interfaceName, &sharedLibrary}) {
-        lyr::StoreShared(*text, nullptr);
+        lyr::internal::StoreShared(*text, nullptr);
     }
     creator.store(nullptr, std::memory_order_release);
-    for (const char** const text : {&itfLeaf, &extendedBy}) lyr::StoreShared(*text, nullptr);
+    for (const char** const text : {&itfLeaf, &extendedBy})
+        lyr::internal::StoreShared(*text, nullptr);
 }

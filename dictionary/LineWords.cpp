@@ -1,6 +1,6 @@
 #include "dictionary/LineWords.h"
 
-namespace lyr {
+namespace lyr::internal {
 
 namespace {
 
@@ -32,4 +32,4 @@ int CutWords(char* piece, char* (&words)[kMaxWords]) {
     }
 }
 
-}  // namespace lyr
+}  // namespace lyr::internal

@@ -1,6 +1,6 @@
 #pragma once
 
-namespace lyr {
+namespace lyr::internal {
 
 /// As many words of a line of a dictionary file count; later ones are dropped.
 inline constexpr int kMaxWords = 5;
@@ -10,4 +10,4 @@ inline constexpr int kMaxWords = 5;
 /// comment, which begins with "#" or "//".
 int CutWords(char* piece, char* (&words)[kMaxWords]);
 
-}  // namespace lyr
+}  // namespace lyr::internal

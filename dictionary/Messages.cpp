@@ -7,7 +7,7 @@
 #include <cstdio>
 #include <cstring>
 
-namespace lyr {
+namespace lyr::internal {
 
 namespace {
 
@@ -74,4 +74,4 @@ KeepMessages::~KeepMessages() {
     kept = nullptr;
 }
 
-}  // namespace lyr
+}  // namespace lyr::internal

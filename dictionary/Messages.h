@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-namespace lyr {
+namespace lyr::internal {
 
 /// Says something on standard error, in the manner of printf.
 ///
@@ -36,4 +36,4 @@ public:
     KeepMessages& operator=(const KeepMessages&) = delete;
 };
 
-}  // namespace lyr
+}  // namespace lyr::internal

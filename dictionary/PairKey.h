@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <cstdlib>
 
-namespace lyr {
+namespace lyr::internal {
 
 /// How many buckets each table of the dictionary has.
 inline constexpr int kPairBuckets = 4096;
@@ -14,4 +14,4 @@ inline int PairBucket(std::uint32_t first, std::uint32_t second) {
     return std::abs(static_cast<std::int32_t>(first ^ second) % kPairBuckets);
 }
 
-}  // namespace lyr
+}  // namespace lyr::internal

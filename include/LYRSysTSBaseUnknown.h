@@ -7,7 +7,7 @@
 
 class LYRSysTSMetaClass;
 
-namespace lyr {
+namespace lyr::internal {
 struct ObjectAccess;
 }
 
@@ -67,7 +67,7 @@ public:
     static LYRSysTSMetaClass* meta_object;
 
 private:
-    friend struct lyr::ObjectAccess;
+    friend struct lyr::internal::ObjectAccess;
 
     LYR_LOCAL std::uint32_t RaiseCount();
     LYR_LOCAL std::uint32_t LowerCount();

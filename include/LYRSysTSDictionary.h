@@ -14,10 +14,10 @@ class LYRSysTSDictionaryReader;
 class LYRSysTSMetaClass;
 struct dirent;
 
-namespace lyr {
+namespace lyr::internal {
 struct DictionaryTables;
 struct Refusals;
-}  // namespace lyr
+}  // namespace lyr::internal
 
 /// The dictionary's lock, never null. It guards both tables and the fields of their records. A
 /// thread may hold it across several operations; it is taken before the locks of the stores and
@@ -146,14 +146,14 @@ public:
     static void _DeleteDictionary();
 
 private:
-    friend struct lyr::DictionaryTables;
+    friend struct lyr::internal::DictionaryTables;
 
     /// Makes the meta-object and records it by id and by name. What the dictionary refuses, such as
     /// the id of another class, is left out and counted. Throws std::bad_alloc with nothing
     /// recorded: a meta-object that is not recorded would be made once more by the next call.
     LYR_LOCAL static LYRSysTSMetaClass* CreateMetaObject(const char* name, LYRSysTSTypeOfClass type,
                                                          const GUID* clsid, LYRSysTSMetaClass* base,
-                                                         lyr::Refusals& refusals)
+                                                         lyr::internal::Refusals& refusals)
         LYR_REQUIRES(GetGlobalDicoMutex());
 
     static DicEntryLink* _dicByName[4096] LYR_GUARDED_BY(GetGlobalDicoMutex());

@@ -5,7 +5,7 @@
 
 #include <cstdint>
 
-namespace lyr {
+namespace lyr::internal {
 class DictionarySearch;
 }
 
@@ -40,7 +40,7 @@ public:
 
 private:
     friend class LYRSysTSDictionary;
-    friend class lyr::DictionarySearch;
+    friend class lyr::internal::DictionarySearch;
 
     /// SetExtensionOf, which tells a lack of memory: false.
     LYR_LOCAL bool TryToList(const char* className);

@@ -4,7 +4,7 @@
 
 #include <cstdint>
 
-namespace lyr {
+namespace lyr::internal {
 struct SearchResult;
 }
 
@@ -56,9 +56,9 @@ public:
 private:
     /// What the cache and the table remember, else what a search finds, which is then remembered
     /// unless it may pass.
-    LYR_LOCAL lyr::SearchResult Ask(const GUID& iid);
-    LYR_LOCAL lyr::SearchResult AskBase(const GUID& iid);
-    LYR_LOCAL lyr::SearchResult Search(const GUID& iid);
+    LYR_LOCAL lyr::internal::SearchResult Ask(const GUID& iid);
+    LYR_LOCAL lyr::internal::SearchResult AskBase(const GUID& iid);
+    LYR_LOCAL lyr::internal::SearchResult Search(const GUID& iid);
 
     /// What the table remembers, or null; the cache remembers it from now on.
     LYR_LOCAL LYRSysTSInterfaceFactory Recall(const GUID& iid);

@@ -15,7 +15,7 @@
 #include <string>
 #include <thread>
 
-namespace lyr {
+namespace lyr::internal {
 
 namespace {
 
@@ -155,4 +155,4 @@ bool DictionarySearch::MayHaveBeenLoading() const {
     return LYRThrLibraryManager::MayHaveBeenLoadingSince(_loads);
 }
 
-}  // namespace lyr
+}  // namespace lyr::internal

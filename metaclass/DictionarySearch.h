@@ -9,7 +9,7 @@ class LYRSysTSMetaClass;
 class LYRSysTSMetaClassBase;
 class LYRSysTSMetaClassExt;
 
-namespace lyr {
+namespace lyr::internal {
 
 struct EntryCopy;
 
@@ -52,4 +52,4 @@ private:
     bool _mayPass = false;
 };
 
-}  // namespace lyr
+}  // namespace lyr::internal

@@ -4,7 +4,7 @@
 #include <bit>
 #include <cstdint>
 
-namespace lyr {
+namespace lyr::internal {
 
 namespace {
 
@@ -68,4 +68,4 @@ void FactoryCache::Forget(const LYRSysTSMetaClassBase* metaObject) {
     }
 }
 
-}  // namespace lyr
+}  // namespace lyr::internal

@@ -9,7 +9,7 @@
 
 class LYRSysTSMetaClassBase;
 
-namespace lyr {
+namespace lyr::internal {
 
 /// The answers that the factory tables of all classes have given lately, so that a request which is
 /// made over and over finds its answer without the lock and the search of a table. What stands here
@@ -39,4 +39,4 @@ public:
     static void Forget(const LYRSysTSMetaClassBase* metaObject);
 };
 
-}  // namespace lyr
+}  // namespace lyr::internal

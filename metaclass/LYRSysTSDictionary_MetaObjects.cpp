@@ -18,7 +18,7 @@ namespace {
 const GUID* MakeUpClassId() {
     static std::atomic<std::uint32_t> count = 0;
     const GUID clsid = {++count, 0, 0, {}};
-    return lyr::InternGUID(&clsid);
+    return lyr::internal::InternGUID(&clsid);
 }
 
 LYRSysTSMetaClassBase* MakeMetaObject(const char* name, LYRSysTSTypeOfClass type, const GUID* clsid,
@@ -38,16 +38,16 @@ LYRSysTSMetaClassBase* MakeMetaObject(const char* name, LYRSysTSTypeOfClass type
 
 LYRSysTSMetaClass* LYRSysTSDictionary::CreateMetaObject(const char* name, LYRSysTSTypeOfClass type,
                                                         const GUID* clsid, LYRSysTSMetaClass* base,
-                                                        lyr::Refusals& refusals) {
+                                                        lyr::internal::Refusals& refusals) {
     if (clsid == nullptr) clsid = MakeUpClassId();
     std::unique_ptr<LYRSysTSMetaClassBase, void (*)(LYRSysTSMetaClassBase*)> made(
         MakeMetaObject(name, type, clsid, base), &LYRSysTSMetaClassBase::Discard);
     if (_DictionaryDeleted) return made.release();
 
-    lyr::DictionaryTables::EnsureCleared();
-    const LYRSysTSInterfaceFactory creator = lyr::ToCreator(made.get());
-    lyr::PairedAddition both{{*clsid, CLSID_LYRSysTSMetaClass, creator},
-                             {name, "MetaObject", nullptr, nullptr, nullptr, creator}};
+    lyr::internal::DictionaryTables::EnsureCleared();
+    const LYRSysTSInterfaceFactory creator = lyr::internal::ToCreator(made.get());
+    lyr::internal::PairedAddition both{{*clsid, CLSID_LYRSysTSMetaClass, creator},
+                                       {name, "MetaObject", nullptr, nullptr, nullptr, creator}};
     both.Make(refusals);
     return made.release();
 }
@@ -57,18 +57,18 @@ LYRSysTSMetaClass* LYRSysTSDictionary::FindOrCreateMetaObject(const char* name,
                                                               const GUID* clsid,
                                                               LYRSysTSMetaClass* base,
                                                               const char* extendedName) {
-    if (name == nullptr || lyr::SameText(name, "LYRNull")) return nullptr;
-    lyr::Refusals refusals;
-    const lyr::MutexGuard guard(*GetGlobalDicoMutex());
+    if (name == nullptr || lyr::internal::SameText(name, "LYRNull")) return nullptr;
+    lyr::internal::Refusals refusals;
+    const lyr::internal::MutexGuard guard(*GetGlobalDicoMutex());
     LYRSysTSMetaClass* metaObject = QueryMetaObject(name);
     if (metaObject == nullptr) metaObject = CreateMetaObject(name, type, clsid, base, refusals);
-    LYRSysTSMetaClassExt* const extension = lyr::ToExtension(metaObject);
+    LYRSysTSMetaClassExt* const extension = lyr::internal::ToExtension(metaObject);
     if (extension != nullptr && !extension->TryToList(extendedName)) throw std::bad_alloc();
     return metaObject;
 }
 
 const GUID* LYRSysTSDictionary::_CreateCLSID() {
-    return lyr::RefuseOnShortage(nullptr, [] { return MakeUpClassId(); });
+    return lyr::internal::RefuseOnShortage(nullptr, [] { return MakeUpClassId(); });
 }
 
 LYRSysTSMetaClass* LYRSysTSFindOrCreateMetaObject(const char* name, LYRSysTSTypeOfClass type,

@@ -14,8 +14,8 @@ LYRSysTSMetaClassBase::LYRSysTSMetaClassBase(const GUID* clsid, const char* name
       _nextMeta(sHeadMeta) {
     sHeadMeta = this;
     try {
-        _className = lyr::InternText(name);
-        _classId = lyr::InternGUID(clsid);
+        _className = lyr::internal::InternText(name);
+        _classId = lyr::internal::InternGUID(clsid);
     } catch (...) {
         sHeadMeta = _nextMeta;
         throw;
@@ -44,7 +44,7 @@ int LYRSysTSMetaClassBase::IsAKindOf(const char* name) const {
     if (name == nullptr) return 0;
     for (const auto* current = this; current != nullptr; current = current->_baseMeta) {
         const char* const className = current->_className;
-        if (className != nullptr && lyr::SameText(className, name)) return 1;
+        if (className != nullptr && lyr::internal::SameText(className, name)) return 1;
     }
     return 0;
 }

@@ -34,19 +34,19 @@ void LYRSysTSMetaClassExt::SetExtensionOf(const char* className) {
 }
 
 bool LYRSysTSMetaClassExt::TryToList(const char* className) {
-    const bool isDone = lyr::RefuseOnShortage(false, [&] {
-        const char* const interned = lyr::InternText(className);
+    const bool isDone = lyr::internal::RefuseOnShortage(false, [&] {
+        const char* const interned = lyr::internal::InternText(className);
         if (interned != nullptr) List(interned);
         return true;
     });
     if (isDone) return true;
-    const lyr::MutexGuard guard(_extMutex);
+    const lyr::internal::MutexGuard guard(_extMutex);
     _lacksNames = true;
     return false;
 }
 
 void LYRSysTSMetaClassExt::List(const char* internedName) {
-    const lyr::MutexGuard guard(_extMutex);
+    const lyr::internal::MutexGuard guard(_extMutex);
     if (Lists(internedName)) return;
     MakeRoom();
     _extendedClasses[_extendedCount] = internedName;
@@ -65,13 +65,13 @@ void LYRSysTSMetaClassExt::MakeRoom() {
 }
 
 bool LYRSysTSMetaClassExt::LacksNames() {
-    const lyr::MutexGuard guard(_extMutex);
+    const lyr::internal::MutexGuard guard(_extMutex);
     return _lacksNames;
 }
 
 bool LYRSysTSMetaClassExt::_IsExtensionOf(const char* internedName) {
     if (internedName == nullptr) return false;
-    const lyr::MutexGuard guard(_extMutex);
+    const lyr::internal::MutexGuard guard(_extMutex);
     return Lists(internedName);
 }
 
@@ -85,5 +85,6 @@ bool LYRSysTSMetaClassExt::Lists(const char* internedName) const {
 }
 
 void LYRSysTSMetaClassExt::AddExtendedComponent(LYRSysTSMetaClass* meta, const char* className) {
-    if (auto* const extension = lyr::ToExtension(meta)) extension->SetExtensionOf(className);
+    if (auto* const extension = lyr::internal::ToExtension(meta))
+        extension->SetExtensionOf(className);
 }

@@ -15,15 +15,15 @@ IUnknown* _LYRSysTSNoSuchInterface(LYRSysTSBaseUnknown*, unsigned char) {
 
 int LYRSysTSCompare(const void* a, const void* b) {
     if (a == nullptr || b == nullptr) return -1;
-    const auto left = lyr::GuidWords(*static_cast<const FactoryEntry*>(a)->interfaceId);
-    const auto right = lyr::GuidWords(*static_cast<const FactoryEntry*>(b)->interfaceId);
+    const auto left = lyr::internal::GuidWords(*static_cast<const FactoryEntry*>(a)->interfaceId);
+    const auto right = lyr::internal::GuidWords(*static_cast<const FactoryEntry*>(b)->interfaceId);
     if (left == right) return 0;
     return left < right ? -1 : 1;
 }
 
 namespace {
 
-using lyr::SearchResult;
+using lyr::internal::SearchResult;
 
 bool IsBefore(const FactoryEntry& a, const FactoryEntry& b) {
     return LYRSysTSCompare(&a, &b) < 0;
@@ -44,27 +44,27 @@ LYRSysTSMetaClassImpl::LYRSysTSMetaClassImpl(const GUID* clsid, const char* name
       _factoryCapacity(0) {}
 
 LYRSysTSMetaClassImpl::~LYRSysTSMetaClassImpl() {
-    if (_factoryCount != 0) lyr::FactoryCache::Forget(this);
+    if (_factoryCount != 0) lyr::internal::FactoryCache::Forget(this);
     delete[] _factoryTable;
 }
 
 LYRSysTSInterfaceFactory LYRSysTSMetaClassImpl::_GetInterfaceFactory(const GUID& iid) {
-    const lyr::MutexGuard guard(_mutex);
+    const lyr::internal::MutexGuard guard(_mutex);
     return Find(iid);
 }
 
 int LYRSysTSMetaClassImpl::_AddInterfaceFactory(const GUID& iid, LYRSysTSInterfaceFactory factory) {
     if (factory == nullptr || _classId == nullptr) return 1;
-    const lyr::MutexGuard guard(_mutex);
+    const lyr::internal::MutexGuard guard(_mutex);
     Insert(iid, factory);
     // The cache may hold what was the answer so far.
     if (const LYRSysTSInterfaceFactory answer = Find(iid))
-        lyr::FactoryCache::Keep(this, iid, answer);
+        lyr::internal::FactoryCache::Keep(this, iid, answer);
     return 1;
 }
 
 LYRSysTSInterfaceFactory LYRSysTSMetaClassImpl::_QueryFromDictionary(const GUID& iid) const {
-    return lyr::DictionarySearch(*this, iid).Run().factory;
+    return lyr::internal::DictionarySearch(*this, iid).Run().factory;
 }
 
 LYRSysTSInterfaceFactory LYRSysTSMetaClassImpl::QueryDerivationInterfaceFactory(const GUID& iid) {
@@ -72,13 +72,13 @@ LYRSysTSInterfaceFactory LYRSysTSMetaClassImpl::QueryDerivationInterfaceFactory(
 }
 
 SearchResult LYRSysTSMetaClassImpl::Ask(const GUID& iid) {
-    LYRSysTSInterfaceFactory answer = lyr::FactoryCache::Find(this, iid);
+    LYRSysTSInterfaceFactory answer = lyr::internal::FactoryCache::Find(this, iid);
     if (answer == nullptr) answer = Recall(iid);
     return answer != nullptr ? ForGood(answer) : Search(iid);
 }
 
 SearchResult LYRSysTSMetaClassImpl::Search(const GUID& iid) {
-    SearchResult found = lyr::DictionarySearch(*this, iid).Run();
+    SearchResult found = lyr::internal::DictionarySearch(*this, iid).Run();
     if (found.factory == nullptr) {
         const SearchResult ofBase = AskBase(iid);
         found = {ofBase.factory, found.mayPass || ofBase.mayPass};
@@ -102,17 +102,17 @@ SearchResult LYRSysTSMetaClassImpl::AskBase(const GUID& iid) {
 }
 
 LYRSysTSInterfaceFactory LYRSysTSMetaClassImpl::Recall(const GUID& iid) {
-    const lyr::MutexGuard guard(_mutex);
+    const lyr::internal::MutexGuard guard(_mutex);
     const LYRSysTSInterfaceFactory answer = Find(iid);
     // Under the lock, so that the cache never holds what the table has said before.
-    if (answer != nullptr) lyr::FactoryCache::Keep(this, iid, answer);
+    if (answer != nullptr) lyr::internal::FactoryCache::Keep(this, iid, answer);
     return answer;
 }
 
 LYRSysTSInterfaceFactory LYRSysTSMetaClassImpl::RememberFirst(const GUID& iid,
                                                               LYRSysTSInterfaceFactory answer) {
     if (_classId == nullptr) return answer;
-    const lyr::MutexGuard guard(_mutex);
+    const lyr::internal::MutexGuard guard(_mutex);
     if (const LYRSysTSInterfaceFactory known = Find(iid)) return known;
     Insert(iid, answer);
     return answer;

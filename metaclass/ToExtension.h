@@ -2,7 +2,7 @@
 
 #include "LYRSysTSMetaClassExt.h"
 
-namespace lyr {
+namespace lyr::internal {
 
 /// The meta-object as an extension's; null for null and for any other.
 inline LYRSysTSMetaClassExt* ToExtension(LYRSysTSMetaClass* metaObject) {
@@ -11,4 +11,4 @@ inline LYRSysTSMetaClassExt* ToExtension(LYRSysTSMetaClass* metaObject) {
     return base != nullptr ? base->CastToMetaExtension() : nullptr;
 }
 
-}  // namespace lyr
+}  // namespace lyr::internal

@@ -5,7 +5,7 @@
 #include <memory>
 #include <new>
 
-namespace lyr {
+namespace lyr::internal {
 
 namespace {
 
@@ -110,4 +110,4 @@ LYRSysTSBaseUnknown* FindOrMakeImplementation(LYRSysTSBaseUnknown* object,
     }
 }
 
-}  // namespace lyr
+}  // namespace lyr::internal

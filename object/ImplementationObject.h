@@ -3,7 +3,7 @@
 class LYRSysTSBaseUnknown;
 class LYRSysTSMetaClass;
 
-namespace lyr {
+namespace lyr::internal {
 
 /// The object that implements the class `metaClass` for `object`, found or made by `create`; null
 /// when there is none. What LYRSysTSTIEInternal::Tie_Construct documents.
@@ -11,4 +11,4 @@ LYRSysTSBaseUnknown* FindOrMakeImplementation(LYRSysTSBaseUnknown* object,
                                               LYRSysTSMetaClass* metaClass,
                                               LYRSysTSBaseUnknown* (*create)());
 
-}  // namespace lyr
+}  // namespace lyr::internal

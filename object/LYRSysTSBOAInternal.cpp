@@ -5,5 +5,5 @@
 LYRSysTSBaseUnknown* LYRSysTSBOAInternal::CreateBOA(LYRSysTSBaseUnknown* object,
                                                     LYRSysTSMetaClass* metaClass,
                                                     LYRSysTSBaseUnknown* (*create)()) {
-    return lyr::FindOrMakeImplementation(object, metaClass, create);
+    return lyr::internal::FindOrMakeImplementation(object, metaClass, create);
 }

@@ -13,28 +13,28 @@ LYRSysTSBaseUnknown::LYRSysTSBaseUnknown(unsigned char threadSafe)
 
 LYRSysTSBaseUnknown::~LYRSysTSBaseUnknown() {
     while (_lockDepth > 0) Unlock();
-    lyr::ObjectAccess::SetChain(*this, nullptr);
+    lyr::internal::ObjectAccess::SetChain(*this, nullptr);
 }
 
 void LYRSysTSBaseUnknown::Lock() {
-    lyr::ObjectAccess::Lock(*this);
+    lyr::internal::ObjectAccess::Lock(*this);
 }
 
 void LYRSysTSBaseUnknown::Unlock() {
-    lyr::ObjectAccess::Unlock(*this);
+    lyr::internal::ObjectAccess::Unlock(*this);
 }
 
 HRESULT LYRSysTSBaseUnknown::QueryInterface(const GUID& iid, void** out) {
     if (out == nullptr) return E_FAIL;
     *out = nullptr;
-    lyr::ObjectLock lock(this);
+    lyr::internal::ObjectLock lock(this);
     if (_refCount == 0) return E_UNEXPECTED;
     LYRSysTSMetaClass* const metaObject = GetMetaObject();
     LYRSysTSMetaClassBase* const base = metaObject ? metaObject->ToMetaClassBase() : nullptr;
     if (base == nullptr) return E_NOINTERFACE;
 
     if (base->CastToMetaExtension() != nullptr) {
-        LYRSysTSBaseUnknown* const extended = lyr::ObjectAccess::Extended(*this);
+        LYRSysTSBaseUnknown* const extended = lyr::internal::ObjectAccess::Extended(*this);
         lock.Release();
         return extended != nullptr ? extended->QueryInterface(iid, out) : E_UNEXPECTED;
     }
@@ -42,7 +42,7 @@ HRESULT LYRSysTSBaseUnknown::QueryInterface(const GUID& iid, void** out) {
     IUnknown* answer = this;
     if (iid != IID_IUnknown && iid != CLSID_LYRSysTSBaseUnknown) {
         const LYRSysTSInterfaceFactory factory = base->QueryDerivationInterfaceFactory(iid);
-        const unsigned char threadSafe = lyr::ObjectAccess::IsThreadSafe(*this) ? 1 : 0;
+        const unsigned char threadSafe = lyr::internal::ObjectAccess::IsThreadSafe(*this) ? 1 : 0;
         answer = factory != nullptr ? factory(this, threadSafe) : nullptr;
     }
     if (answer == nullptr) return E_NOINTERFACE;
@@ -52,32 +52,32 @@ HRESULT LYRSysTSBaseUnknown::QueryInterface(const GUID& iid, void** out) {
 }
 
 std::uint32_t LYRSysTSBaseUnknown::AddRef() {
-    const lyr::Counting counting(*this);
-    if (counting.by == lyr::CountedBy::kExtended) return counting.extended->AddRef();
+    const lyr::internal::Counting counting(*this);
+    if (counting.by == lyr::internal::CountedBy::kExtended) return counting.extended->AddRef();
     const std::uint32_t count = RaiseCount();
-    if (counting.by == lyr::CountedBy::kBoth) counting.extended->AddRef();
+    if (counting.by == lyr::internal::CountedBy::kBoth) counting.extended->AddRef();
     return count;
 }
 
 std::uint32_t LYRSysTSBaseUnknown::Release() {
-    const lyr::Counting counting(*this);
-    if (counting.by == lyr::CountedBy::kExtended) return counting.extended->Release();
+    const lyr::internal::Counting counting(*this);
+    if (counting.by == lyr::internal::CountedBy::kExtended) return counting.extended->Release();
     const std::uint32_t count = LowerCount();
     if (count == 0) {
-        if (counting.by == lyr::CountedBy::kItself) DeleteChain();
+        if (counting.by == lyr::internal::CountedBy::kItself) DeleteChain();
         delete this;
     }
-    if (counting.by == lyr::CountedBy::kBoth) counting.extended->Release();
+    if (counting.by == lyr::internal::CountedBy::kBoth) counting.extended->Release();
     return count;
 }
 
 std::uint32_t LYRSysTSBaseUnknown::RaiseCount() {
-    const lyr::ObjectLock lock(this);
+    const lyr::internal::ObjectLock lock(this);
     return ++_refCount;
 }
 
 std::uint32_t LYRSysTSBaseUnknown::LowerCount() {
-    const lyr::ObjectLock lock(this);
+    const lyr::internal::ObjectLock lock(this);
     return --_refCount;
 }
 
@@ -85,8 +85,8 @@ std::uint32_t LYRSysTSBaseUnknown::LowerCount() {
 // that is deleted may have another one made for the object: the chain is looked at until it is
 // empty.
 void LYRSysTSBaseUnknown::DeleteChain() {
-    while (LYRSysTSChainExtension* link = lyr::ObjectAccess::Chain(*this)) {
-        lyr::ObjectAccess::SetChain(*this, nullptr);
+    while (LYRSysTSChainExtension* link = lyr::internal::ObjectAccess::Chain(*this)) {
+        lyr::internal::ObjectAccess::SetChain(*this, nullptr);
         while (link != nullptr) {
             const std::unique_ptr<LYRSysTSChainExtension> current(link);
             link = current->GetNextChainExtension();

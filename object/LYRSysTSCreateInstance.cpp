@@ -9,7 +9,7 @@ HRESULT LYRSysTSCreateInstance(const GUID& clsid, const GUID& iid, void** out) {
     if (record == nullptr || record->library == nullptr) return E_FAIL;
 
     using GetClassObject = HRESULT (*)(const GUID&, const GUID&, void**);
-    const auto getClassObject = lyr::ToFunction<GetClassObject>(
+    const auto getClassObject = lyr::internal::ToFunction<GetClassObject>(
         LYRThrLibraryManager::GetFunctionAddress(record->library, "LYRSysTSDllGetClassObject"));
     return getClassObject != nullptr ? getClassObject(clsid, iid, out) : E_FAIL;
 }

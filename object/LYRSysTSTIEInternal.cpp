@@ -5,8 +5,8 @@
 
 namespace {
 
-using lyr::CountedBy;
-using lyr::Counting;
+using lyr::internal::CountedBy;
+using lyr::internal::Counting;
 
 // An object's lock is taken before the locks of its extensions: a factory that runs under it may
 // use a TIE over any of them. So a kept extension's comes after that of the object which keeps it
@@ -19,14 +19,14 @@ int ReleaseBoth(int& tieCount, LYRSysTSBaseUnknown* object) {
     int count = 0;
     if (counting.by == CountedBy::kBoth) {
         {
-            const lyr::ObjectLock lock(object);
+            const lyr::internal::ObjectLock lock(object);
             count = --tieCount;
         }
         object->Release();
         return count;
     }
-    lyr::ObjectLock keeperLock(counting.extended);
-    lyr::ObjectLock lock(object);
+    lyr::internal::ObjectLock keeperLock(counting.extended);
+    lyr::internal::ObjectLock lock(object);
     count = --tieCount;
     if (object->Release() == 0) {
         lock.ObjectIsGone();
@@ -42,7 +42,7 @@ HRESULT LYRSysTSTIEInternal::Tie_Construct(LYRSysTSBaseUnknown* object,
                                            LYRSysTSBaseUnknown* (*create)(),
                                            LYRSysTSBaseUnknown*& result) {
     result = nullptr;
-    result = lyr::FindOrMakeImplementation(object, metaClass, create);
+    result = lyr::internal::FindOrMakeImplementation(object, metaClass, create);
     return result != nullptr ? S_OK : E_FAIL;
 }
 
@@ -56,11 +56,11 @@ int LYRSysTSTIEInternal::Tie_AddRef(int& tieCount, LYRSysTSBaseUnknown* object) 
     const Counting counting(*object);
     if (counting.by == CountedBy::kBoth) {
         object->AddRef();
-        const lyr::ObjectLock lock(object);
+        const lyr::internal::ObjectLock lock(object);
         return ++tieCount;
     }
-    const lyr::ObjectLock keeperLock(counting.extended);
-    const lyr::ObjectLock lock(object);
+    const lyr::internal::ObjectLock keeperLock(counting.extended);
+    const lyr::internal::ObjectLock lock(object);
     object->AddRef();
     return ++tieCount;
 }

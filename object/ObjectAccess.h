@@ -7,7 +7,7 @@
 
 #include <utility>
 
-namespace lyr {
+namespace lyr::internal {
 
 /// What the sources of this room need of an object's state. The link has two meanings, and the
 /// object's kind says which. It is read without the lock too: to learn that there is none, and in
@@ -94,4 +94,4 @@ private:
     LYRSysTSBaseUnknown* _locked;
 };
 
-}  // namespace lyr
+}  // namespace lyr::internal

@@ -43,7 +43,7 @@
 
 namespace {
 
-using lyr::Sleepers;
+using lyr::internal::Sleepers;
 using State = std::uint64_t;
 
 constexpr State kHolder = 0x0000'FFFF'FFFF'FFC0;
@@ -63,7 +63,7 @@ State Self() {
 /// Makes the word of a free lock that of `held`; false when it is another one. Where no other
 /// thread can come in between, a plain store does what an exchange does.
 bool Take(std::atomic<State>& word, State free, State held) {
-    if (!lyr::IsOnlyThread()) {
+    if (!lyr::internal::IsOnlyThread()) {
         return word.compare_exchange_strong(free, held, std::memory_order_acquire,
                                             std::memory_order_relaxed);
     }

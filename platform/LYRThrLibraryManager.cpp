@@ -121,16 +121,17 @@ void* LYRThrLibraryManager::LoadLibrary(const char* name) {
 void* LYRThrLibraryManager::TryLoadLibrary(const char* name, bool& mayPass) {
     mayPass = false;
     if (name == nullptr || *name == '\0') return Fail("no library is named");
-    if (const lyr::LoadedLibrary* const known = lyr::LoadedLibraries::Find(name)) {
+    if (const lyr::internal::LoadedLibrary* const known =
+            lyr::internal::LoadedLibraries::Find(name)) {
         return known->handle;
     }
-    const lyr::Loads::Running running;
-    lyr::LibraryFiles files(name);
+    const lyr::internal::Loads::Running running;
+    lyr::internal::LibraryFiles files(name);
     Failure failure;
     while (const char* const file = files.Next()) {
         errno = 0;
         if (void* handle = Open(file)) {
-            lyr::LoadedLibraries::Keep(name, handle);
+            lyr::internal::LoadedLibraries::Keep(name, handle);
             return handle;
         }
         const int error = errno;
@@ -152,7 +153,8 @@ void* LYRThrLibraryManager::TryGetFunctionAddress(const char* library, const cha
     if (symbol == nullptr) return Fail("no symbol is named");
     void* handle = TryLoadLibrary(library, mayPass);
     if (handle == nullptr) return nullptr;
-    if (const lyr::LoadedLibrary* const known = lyr::LoadedLibraries::Find(library)) {
+    if (const lyr::internal::LoadedLibrary* const known =
+            lyr::internal::LoadedLibraries::Find(library)) {
         if (void* address = known->symbols.Find(symbol)) return address;
     }
     ::dlerror();
@@ -174,19 +176,19 @@ void* LYRThrLibraryManager::TryGetFunctionAddress(const char* library, const cha
 }
 
 std::uint64_t LYRThrLibraryManager::MarkLoads() {
-    return lyr::Loads::Mark();
+    return lyr::internal::Loads::Mark();
 }
 
 bool LYRThrLibraryManager::MayHaveBeenLoadingSince(std::uint64_t mark) {
-    return lyr::Loads::MayHaveBeenRunningSince(mark);
+    return lyr::internal::Loads::MayHaveBeenRunningSince(mark);
 }
 
 bool LYRThrLibraryManager::MayAwaitLoads() {
-    return lyr::Loads::MayAwait();
+    return lyr::internal::Loads::MayAwait();
 }
 
 void LYRThrLibraryManager::GiveUpOnLoads() {
-    lyr::Loads::GiveUp();
+    lyr::internal::Loads::GiveUp();
 }
 
 std::string LYRThrLibraryManager::LastFailure() {

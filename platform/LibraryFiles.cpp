@@ -4,7 +4,7 @@
 #include <cstring>
 #include <iterator>
 
-namespace lyr {
+namespace lyr::internal {
 
 namespace {
 
@@ -54,4 +54,4 @@ const char* LibraryFiles::Next() {
     return nullptr;
 }
 
-}  // namespace lyr
+}  // namespace lyr::internal

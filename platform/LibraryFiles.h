@@ -1,6 +1,6 @@
 #pragma once
 
-namespace lyr {
+namespace lyr::internal {
 
 /// The files that the name of a library may mean, in the order of trying. Without memory of the
 /// heap, so that a shortage here is not taken for an absent library.
@@ -21,4 +21,4 @@ private:
     char _file[kFileSize];
 };
 
-}  // namespace lyr
+}  // namespace lyr::internal

@@ -2,7 +2,7 @@
 
 #include <cstring>
 
-namespace lyr {
+namespace lyr::internal {
 
 namespace {
 
@@ -80,4 +80,4 @@ bool LibrarySymbols::IsPlain(std::uint32_t symbol) const {
     return type == STT_FUNC || type == STT_OBJECT || type == STT_NOTYPE;
 }
 
-}  // namespace lyr
+}  // namespace lyr::internal

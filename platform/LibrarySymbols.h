@@ -4,7 +4,7 @@
 #include <elf.h>
 #include <link.h>
 
-namespace lyr {
+namespace lyr::internal {
 
 /// The functions that a loaded library itself defines, found through its own tables: without the
 /// loader's lock, and at a cost that does not grow with their number. For a library that is never
@@ -35,4 +35,4 @@ private:
     const std::uint32_t* _hashes = nullptr;  // from the first symbol; the last of a chain is odd
 };
 
-}  // namespace lyr
+}  // namespace lyr::internal

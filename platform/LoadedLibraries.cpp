@@ -11,7 +11,7 @@
 #include <pthread.h>
 #include <string_view>
 
-namespace lyr {
+namespace lyr::internal {
 
 namespace {
 
@@ -70,4 +70,4 @@ void LoadedLibraries::Keep(const char* name, void* handle) {
                std::memory_order_release);
 }
 
-}  // namespace lyr
+}  // namespace lyr::internal

@@ -2,7 +2,7 @@
 
 #include "LibrarySymbols.h"
 
-namespace lyr {
+namespace lyr::internal {
 
 /// A library that has been loaded under a name. It stays loaded, so all this stays as it is.
 struct LoadedLibrary {
@@ -28,4 +28,4 @@ public:
     static void Keep(const char* name, void* handle);
 };
 
-}  // namespace lyr
+}  // namespace lyr::internal

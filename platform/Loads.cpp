@@ -8,7 +8,7 @@
 #include <link.h>
 #include <pthread.h>
 
-namespace lyr {
+namespace lyr::internal {
 
 namespace {
 
@@ -133,4 +133,4 @@ Loads::Running::~Running() {
     } while (!ours.compare_exchange_weak(before, before - 1));
 }
 
-}  // namespace lyr
+}  // namespace lyr::internal

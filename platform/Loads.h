@@ -2,7 +2,7 @@
 
 #include <cstdint>
 
-namespace lyr {
+namespace lyr::internal {
 
 /// Whether the dynamic loader may be running initialisers, told without its lock: whoever waits for
 /// that lock waits for an initialiser, which may itself wait for the one who asks.
@@ -40,4 +40,4 @@ public:
     };
 };
 
-}  // namespace lyr
+}  // namespace lyr::internal

@@ -5,7 +5,7 @@
 #define LYR_KNOWS_SINGLE_THREAD 1
 #endif
 
-namespace lyr {
+namespace lyr::internal {
 
 /// Whether the process has no other thread, as far as the C library tells.
 inline bool IsOnlyThread() {
@@ -16,4 +16,4 @@ inline bool IsOnlyThread() {
 #endif
 }
 
-}  // namespace lyr
+}  // namespace lyr::internal

@@ -12,7 +12,7 @@
 #include <unistd.h>
 #endif
 
-namespace lyr {
+namespace lyr::internal {
 
 namespace {
 
@@ -120,4 +120,4 @@ Sleepers::Sleeper* Sleepers::Remove(Test test) {
     return found;
 }
 
-}  // namespace lyr
+}  // namespace lyr::internal

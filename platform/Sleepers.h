@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <mutex>
 
-namespace lyr {
+namespace lyr::internal {
 
 /// The threads that sleep for one of some locks; where they wait is decided by the address of the
 /// lock's word.
@@ -74,4 +74,4 @@ private:
     std::mutex _mutex;  // guards the chain from _first; the unlocks' look needs no lock
 };
 
-}  // namespace lyr
+}  // namespace lyr::internal

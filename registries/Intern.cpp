@@ -6,7 +6,7 @@
 #include <cstring>
 #include <new>
 
-namespace lyr {
+namespace lyr::internal {
 
 const char* InternText(const char* text) {
     const char* const interned = LYRSysTSDicoString::AddStringInDico(text);
@@ -21,4 +21,4 @@ const GUID* InternGUID(const GUID* guid) {
     return interned;
 }
 
-}  // namespace lyr
+}  // namespace lyr::internal

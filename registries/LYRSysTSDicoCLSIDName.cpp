@@ -25,24 +25,26 @@ LYRSmartMutex* GetGlobalCLSIDDicoMutex() {
 namespace {
 
 // Looked into without a lock: what it finds never changes.
-constinit lyr::IndexedTable<CLSIDNameRecord, CLSIDNameLink, 1024, lyr::Readers::kAny> table;
-constinit lyr::NodePool<CLSIDNameRecord> records;
+constinit lyr::internal::IndexedTable<CLSIDNameRecord, CLSIDNameLink, 1024,
+                                      lyr::internal::Readers::kAny>
+    table;
+constinit lyr::internal::NodePool<CLSIDNameRecord> records;
 
 CLSIDNameRecord* Find(const GUID& clsid, std::size_t hash) {
     return table.index.Find(hash,
                             [&](const CLSIDNameRecord& record) { return *record.clsid == clsid; });
 }
 
-[[gnu::constructor(lyr::kStartCLSIDMutex)]] void MakeCLSIDMutex() {
+[[gnu::constructor(lyr::internal::kStartCLSIDMutex)]] void MakeCLSIDMutex() {
     ClsidMutextToForceInitDuringDllLoading = GetGlobalCLSIDDicoMutex();
 }
 
 /// Whether a class given once more is the one that is known. A library that is missing on either
 /// side contradicts nothing.
 bool IsSameClass(const CLSIDNameRecord& known, const char* name, const char* library) {
-    if (!lyr::SameText(known.className, name)) return false;
+    if (!lyr::internal::SameText(known.className, name)) return false;
     if (library == nullptr || known.library == nullptr) return true;
-    return lyr::SameText(known.library, library);
+    return lyr::internal::SameText(known.library, library);
 }
 
 }  // namespace
@@ -52,36 +54,36 @@ CLSIDNameRecord* LYRSysTSDicoCLSIDName::AddDicoCLSIDName(const GUID& clsid, cons
     if (name == nullptr) return nullptr;
     if (!_DictionaryCleared) _ClearDictionary();
 
-    const std::size_t hash = lyr::GuidHash(clsid);
+    const std::size_t hash = lyr::internal::GuidHash(clsid);
     if (CLSIDNameRecord* const known = Find(clsid, hash)) {
         return IsSameClass(*known, name, library) ? known : nullptr;
     }
-    return lyr::RefuseOnShortage(nullptr, [&]() -> CLSIDNameRecord* {
-        const char* const internedName = lyr::InternText(name);
-        const char* const internedLibrary = lyr::InternText(library);
+    return lyr::internal::RefuseOnShortage(nullptr, [&]() -> CLSIDNameRecord* {
+        const char* const internedName = lyr::internal::InternText(name);
+        const char* const internedLibrary = lyr::internal::InternText(library);
         if (internedName == nullptr) return nullptr;
         if (library != nullptr && internedLibrary == nullptr) return nullptr;
-        const GUID* const internedId = lyr::InternGUID(&clsid);
+        const GUID* const internedId = lyr::internal::InternGUID(&clsid);
         if (!table.Reserve() || !records.Reserve()) throw std::bad_alloc();
         CLSIDNameRecord* const record = records.Make({internedId, internedName, internedLibrary});
-        table.Append(_CLSIDNameByCLSID, lyr::SignedKey(clsid), hash, record);
+        table.Append(_CLSIDNameByCLSID, lyr::internal::SignedKey(clsid), hash, record);
         return record;
     });
 }
 
 CLSIDNameRecord* LYRSysTSDicoCLSIDName::QueryDicoCLSIDNameByCLSID(const GUID& clsid) {
     LYRSysTSDictionary::EnsureInitDictionary();
-    return Find(clsid, lyr::GuidHash(clsid));
+    return Find(clsid, lyr::internal::GuidHash(clsid));
 }
 
 int LYRSysTSDicoCLSIDName::_ComputeKeyForCLSID(const GUID& clsid) {
-    return static_cast<int>(lyr::SignedKey(clsid));
+    return static_cast<int>(lyr::internal::SignedKey(clsid));
 }
 
 void LYRSysTSDicoCLSIDName::_ClearDictionary() {
-    const lyr::MutexGuard guard(*GetGlobalCLSIDDicoMutex());
+    const lyr::internal::MutexGuard guard(*GetGlobalCLSIDDicoMutex());
     if (_DictionaryCleared) return;
-    lyr::ClearHeads(_CLSIDNameByCLSID);
+    lyr::internal::ClearHeads(_CLSIDNameByCLSID);
     _DictionaryCleared = true;
 }
 

@@ -21,9 +21,9 @@ LYRSmartMutex* GetGlobalGUIDDicoMutex() {
 namespace {
 
 // Looked into without the lock: what it finds never changes.
-constinit lyr::HashIndex<DicoGUIDNode, lyr::Readers::kAny> guidIndex;
-constinit lyr::ChainTails<DicoGUIDNode, 4096> tails;
-constinit lyr::NodePool<DicoGUIDNode> nodes;
+constinit lyr::internal::HashIndex<DicoGUIDNode, lyr::internal::Readers::kAny> guidIndex;
+constinit lyr::internal::ChainTails<DicoGUIDNode, 4096> tails;
+constinit lyr::internal::NodePool<DicoGUIDNode> nodes;
 
 const GUID* Find(const GUID& guid, std::size_t hash) {
     const DicoGUIDNode* const node =
@@ -31,12 +31,13 @@ const GUID* Find(const GUID& guid, std::size_t hash) {
     return node != nullptr ? &node->guid : nullptr;
 }
 
-[[gnu::constructor(lyr::kStartGUIDMutex)]] void MakeGUIDMutex() {
+[[gnu::constructor(lyr::internal::kStartGUIDMutex)]] void MakeGUIDMutex() {
     GuidMutextToForceInitDuringDllLoading = GetGlobalGUIDDicoMutex();
 }
 
 unsigned KeyOf(const GUID& guid) {
-    const auto sum = lyr::WeightedByteSum<unsigned char>(lyr::GuidBytes(guid), 0);
+    const auto sum =
+        lyr::internal::WeightedByteSum<unsigned char>(lyr::internal::GuidBytes(guid), 0);
     return (guid.Data1 + sum) & 0xfff;
 }
 
@@ -46,11 +47,11 @@ const GUID* LYRSysTSDicoGUID::AddGUIDInDico(const GUID* g) {
     if (g == nullptr) return nullptr;
     if (!_DictionaryCleared) _ClearDictionary();
 
-    const std::size_t hash = lyr::GuidHash(*g);
+    const std::size_t hash = lyr::internal::GuidHash(*g);
     if (const GUID* const known = Find(*g, hash)) return known;
 
     const unsigned key = KeyOf(*g);
-    const lyr::MutexGuard guard(*GetGlobalGUIDDicoMutex());
+    const lyr::internal::MutexGuard guard(*GetGlobalGUIDDicoMutex());
     if (const GUID* const known = Find(*g, hash)) return known;
     if (!guidIndex.Reserve() || !nodes.Reserve()) return nullptr;
     DicoGUIDNode* const node = nodes.Make({nullptr, *g});
@@ -64,16 +65,16 @@ int LYRSysTSDicoGUID::_ComputeGUIDKey(const GUID* g) {
 }
 
 void LYRSysTSDicoGUID::_ClearDictionary() {
-    const lyr::MutexGuard guard(*GetGlobalGUIDDicoMutex());
+    const lyr::internal::MutexGuard guard(*GetGlobalGUIDDicoMutex());
     if (_DictionaryCleared) return;
-    lyr::ClearHeads(_DicoGUID);
+    lyr::internal::ClearHeads(_DicoGUID);
     _DictionaryCleared = true;
 }
 
 void LYRSysTSDicoGUID::_FreeDictionary() {
-    const lyr::MutexGuard guard(*GetGlobalGUIDDicoMutex());
+    const lyr::internal::MutexGuard guard(*GetGlobalGUIDDicoMutex());
     guidIndex.Clear();
     tails.Clear();
-    lyr::ClearHeads(_DicoGUID);
+    lyr::internal::ClearHeads(_DicoGUID);
     nodes.Clear();
 }

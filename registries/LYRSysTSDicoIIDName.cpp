@@ -23,14 +23,15 @@ LYRSmartMutex* GetGlobalIIDDicoMutex() {
 
 namespace {
 
-using Table = lyr::IndexedTable<IIDNameRecord, IIDNameLink, 1024, lyr::Readers::kAny>;
+using Table =
+    lyr::internal::IndexedTable<IIDNameRecord, IIDNameLink, 1024, lyr::internal::Readers::kAny>;
 
 // Looked into without a lock: what they find never changes.
 constinit Table byIID;
 constinit Table byName;
-constinit lyr::NodePool<IIDNameRecord> records;
+constinit lyr::internal::NodePool<IIDNameRecord> records;
 
-[[gnu::constructor(lyr::kStartIIDMutex)]] void MakeIIDMutex() {
+[[gnu::constructor(lyr::internal::kStartIIDMutex)]] void MakeIIDMutex() {
     IidMutextToForceInitDuringDllLoading = GetGlobalIIDDicoMutex();
 }
 
@@ -40,7 +41,7 @@ IIDNameRecord* FindIID(const GUID& iid, std::size_t hash) {
 
 IIDNameRecord* FindName(const char* name, std::size_t hash) {
     return byName.index.Find(hash, [=](const IIDNameRecord& record) {
-        return lyr::SameText(record.interfaceName, name);
+        return lyr::internal::SameText(record.interfaceName, name);
     });
 }
 
@@ -50,47 +51,47 @@ int LYRSysTSDicoIIDName::AddDicoIIDName(const GUID& iid, const char* name) {
     if (name == nullptr) return 0;
     if (!_DictionaryCleared) _ClearDictionary();
 
-    const std::size_t nameHash = lyr::TextHash(name);
+    const std::size_t nameHash = lyr::internal::TextHash(name);
     if (const IIDNameRecord* const known = FindName(name, nameHash)) return *known->iid == iid;
-    const std::size_t iidHash = lyr::GuidHash(iid);
+    const std::size_t iidHash = lyr::internal::GuidHash(iid);
     if (FindIID(iid, iidHash) != nullptr) return 0;
 
-    return lyr::RefuseOnShortage(0, [&] {
-        const char* const internedName = lyr::InternText(name);
+    return lyr::internal::RefuseOnShortage(0, [&] {
+        const char* const internedName = lyr::internal::InternText(name);
         if (internedName == nullptr) return 0;
-        const GUID* const internedId = lyr::InternGUID(&iid);
+        const GUID* const internedId = lyr::internal::InternGUID(&iid);
         if (!byIID.Reserve() || !byName.Reserve() || !records.Reserve()) throw std::bad_alloc();
         IIDNameRecord* const record = records.Make({internedId, internedName});
-        byIID.Append(_IIDNameByIID, lyr::SignedKey(iid), iidHash, record);
-        byName.Append(_IIDNameByName, lyr::SignedKey(name), nameHash, record);
+        byIID.Append(_IIDNameByIID, lyr::internal::SignedKey(iid), iidHash, record);
+        byName.Append(_IIDNameByName, lyr::internal::SignedKey(name), nameHash, record);
         return 1;
     });
 }
 
 const char* LYRSysTSDicoIIDName::QueryDicoIIDNameByIID(const GUID& iid) {
-    const IIDNameRecord* const record = FindIID(iid, lyr::GuidHash(iid));
+    const IIDNameRecord* const record = FindIID(iid, lyr::internal::GuidHash(iid));
     return record != nullptr ? record->interfaceName : nullptr;
 }
 
 const GUID* LYRSysTSDicoIIDName::QueryDicoIIDNameByName(const char* name) {
     if (name == nullptr) return nullptr;
-    const IIDNameRecord* const record = FindName(name, lyr::TextHash(name));
+    const IIDNameRecord* const record = FindName(name, lyr::internal::TextHash(name));
     return record != nullptr ? record->iid : nullptr;
 }
 
 int LYRSysTSDicoIIDName::_ComputeKeyForIID(const GUID& iid) {
-    return static_cast<int>(lyr::SignedKey(iid));
+    return static_cast<int>(lyr::internal::SignedKey(iid));
 }
 
 int LYRSysTSDicoIIDName::_ComputeKeyForName(const char* name) {
-    return name != nullptr ? static_cast<int>(lyr::SignedKey(name)) : 0;
+    return name != nullptr ? static_cast<int>(lyr::internal::SignedKey(name)) : 0;
 }
 
 void LYRSysTSDicoIIDName::_ClearDictionary() {
-    const lyr::MutexGuard guard(*GetGlobalIIDDicoMutex());
+    const lyr::internal::MutexGuard guard(*GetGlobalIIDDicoMutex());
     if (_DictionaryCleared) return;
-    lyr::ClearHeads(_IIDNameByIID);
-    lyr::ClearHeads(_IIDNameByName);
+    lyr::internal::ClearHeads(_IIDNameByIID);
+    lyr::internal::ClearHeads(_IIDNameByName);
     _DictionaryCleared = true;
 }
 

@@ -30,14 +30,14 @@ namespace {
 
 constexpr std::size_t kBlockSize = sizeof(DicoStringBlock::chars);
 
-[[gnu::constructor(lyr::kStartStringMutex)]] void MakeStringMutex() {
+[[gnu::constructor(lyr::internal::kStartStringMutex)]] void MakeStringMutex() {
     StaticStringMutextToForceInitDuringDllLoading = GetGlobalStringDicoMutex();
 }
 
 // The texts alone: a look-up need not pass through their nodes. Looked into without the lock: what
 // it finds never changes.
-constinit lyr::HashIndex<const char, lyr::Readers::kAny> stringIndex;
-constinit lyr::NodePool<DicoStringNode> nodes;
+constinit lyr::internal::HashIndex<const char, lyr::internal::Readers::kAny> stringIndex;
+constinit lyr::internal::NodePool<DicoStringNode> nodes;
 
 const char* Find(const char* text, std::size_t hash) {
     return stringIndex.Find(hash,
@@ -45,7 +45,7 @@ const char* Find(const char* text, std::size_t hash) {
 }
 
 unsigned KeyOf(std::string_view text) {
-    return lyr::WeightedByteSum<unsigned char>(text, 0) & 0xfff;
+    return lyr::internal::WeightedByteSum<unsigned char>(text, 0) & 0xfff;
 }
 
 }  // namespace
@@ -56,14 +56,14 @@ const char* LYRSysTSDicoString::AddStringInDico(const char* s) {
 
     const std::string_view text(s);
     if (text.size() >= kBlockSize) return nullptr;
-    const std::size_t hash = lyr::TextHash(text);
+    const std::size_t hash = lyr::internal::TextHash(text);
     if (const char* const known = Find(s, hash)) return known;
 
     const unsigned key = KeyOf(text);
-    const lyr::MutexGuard guard(*GetGlobalStringDicoMutex());
+    const lyr::internal::MutexGuard guard(*GetGlobalStringDicoMutex());
     if (const char* const known = Find(s, hash)) return known;
     const auto length = static_cast<std::int32_t>(text.size());
-    const auto slot = lyr::FindSlot(_DicoString[key], [=](const DicoStringNode& node) {
+    const auto slot = lyr::internal::FindSlot(_DicoString[key], [=](const DicoStringNode& node) {
         if (node.length != length) return node.length < length;
         return std::strcmp(node.text, s) > 0;
     });
@@ -101,14 +101,14 @@ int LYRSysTSDicoString::_ComputeStringKey(const char* s, int& length) {
 }
 
 void LYRSysTSDicoString::_ClearDictionary() {
-    const lyr::MutexGuard guard(*GetGlobalStringDicoMutex());
+    const lyr::internal::MutexGuard guard(*GetGlobalStringDicoMutex());
     if (_DictionaryCleared) return;
-    lyr::ClearHeads(_DicoString);
+    lyr::internal::ClearHeads(_DicoString);
     _DictionaryCleared = true;
 }
 
 void LYRSysTSDicoString::_FreeDictionary() {
-    const lyr::MutexGuard guard(*GetGlobalStringDicoMutex());
+    const lyr::internal::MutexGuard guard(*GetGlobalStringDicoMutex());
     stringIndex.Clear();  // first, since what it finds lies in the blocks
     for (DicoStringBlock* block = _HeadBlocStringForDico; block != nullptr;) {
         DicoStringBlock* const next = block->next;
@@ -119,6 +119,6 @@ void LYRSysTSDicoString::_FreeDictionary() {
     _LastBlocStringForDico = nullptr;
     _StringForDicoAvailable = nullptr;
     _SizeStringForDicoAvailable = 0;
-    lyr::ClearHeads(_DicoString);
+    lyr::internal::ClearHeads(_DicoString);
     nodes.Clear();
 }

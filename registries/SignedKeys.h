@@ -5,7 +5,7 @@
 
 #include <string_view>
 
-namespace lyr {
+namespace lyr::internal {
 
 /// The 10-bit keys of the interface-name and class-id registries: signed bytes, the first with
 /// weight 0. The key of an id is not that of the GUID store.
@@ -17,4 +17,4 @@ inline unsigned SignedKey(std::string_view name) {
     return WeightedByteSum<signed char>(name, 0) & 0x3ff;
 }
 
-}  // namespace lyr
+}  // namespace lyr::internal

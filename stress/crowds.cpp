@@ -24,7 +24,7 @@ static void MakeClasses() {
         asked[c] = Impl(("Asked" + std::to_string(c)).c_str());
         for (unsigned n = 0, k = 0; k < kIds; ++n) {
             ids[c][k] = G(n);
-            if (lyr::FactoryCache::PlaceOf(asked[c], ids[c][k]) != 0) continue;
+            if (lyr::internal::FactoryCache::PlaceOf(asked[c], ids[c][k]) != 0) continue;
             asked[c]->_AddInterfaceFactory(ids[c][k], FactoryOf(c, k));
             ++k;
         }

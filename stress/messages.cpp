@@ -52,7 +52,7 @@ static void UseEverything() {
     for (auto* const mutex :
          {GetGlobalDicoMutex(), GetGlobalStringDicoMutex(), GetGlobalGUIDDicoMutex(),
           GetGlobalIIDDicoMutex(), GetGlobalCLSIDDicoMutex()}) {
-        const lyr::MutexGuard guard(*mutex);
+        const lyr::internal::MutexGuard guard(*mutex);
     }
     MUST(Add("New", "I", "L") == Find("New") && Class("New") == Dictionary::QueryMetaObject("New"));
 }

@@ -192,15 +192,15 @@ static void Share(Random& random) {
 }
 
 static void HoldTheDictionary(Random& random) {
-    const lyr::MutexGuard guard(*GetGlobalDicoMutex());
+    const lyr::internal::MutexGuard guard(*GetGlobalDicoMutex());
     for (const auto scene : {Intern, Register, AskClasses, AskFiles}) scene(random);
 }
 
 /// From top to bottom, for the thread sanitizer: it reports whoever takes two the other way.
 static void TakeTheLocksInOrder() {
-    const lyr::MutexGuard dico(*GetGlobalDicoMutex()), strings(*GetGlobalStringDicoMutex()),
-        ids(*GetGlobalGUIDDicoMutex()), iids(*GetGlobalIIDDicoMutex()),
-        clsids(*GetGlobalCLSIDDicoMutex());
+    const lyr::internal::MutexGuard dico(*GetGlobalDicoMutex()),
+        strings(*GetGlobalStringDicoMutex()), ids(*GetGlobalGUIDDicoMutex()),
+        iids(*GetGlobalIIDDicoMutex()), clsids(*GetGlobalCLSIDDicoMutex());
 }
 
 constexpr void (*kScenes[])(Random&) = {Intern, Register, AskClasses, AskFiles,

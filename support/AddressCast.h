@@ -4,7 +4,7 @@
 
 class LYRSysTSMetaClass;
 
-namespace lyr {
+namespace lyr::internal {
 
 /// The function at an address that the dynamic loader gave. POSIX has both in one representation.
 template <typename Function>
@@ -21,4 +21,4 @@ inline LYRSysTSMetaClass* ToMetaObject(LYRSysTSInterfaceFactory creator) noexcep
     return static_cast<LYRSysTSMetaClass*>(reinterpret_cast<void*>(creator));
 }
 
-}  // namespace lyr
+}  // namespace lyr::internal

@@ -2,7 +2,7 @@
 
 #include <cstdint>
 
-namespace lyr {
+namespace lyr::internal {
 
 /// The sum of the bytes, each read as `Byte` (signed or unsigned) and multiplied with its weight,
 /// in 32 bits that wrap. The weights count up from `firstWeight`. The keys of all tables are made
@@ -19,4 +19,4 @@ std::uint32_t WeightedByteSum(const Bytes& bytes, std::uint32_t firstWeight) {
     return sum;
 }
 
-}  // namespace lyr
+}  // namespace lyr::internal

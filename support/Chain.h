@@ -4,7 +4,7 @@
 #include <span>
 #include <utility>
 
-namespace lyr {
+namespace lyr::internal {
 
 /// Where a walk along a bucket's chain ended: the link found there, or null at the chain's end,
 /// and the pointer that leads to it, where a new link is hung.
@@ -65,4 +65,4 @@ void ClearHeads(Link* (&heads)[buckets]) {
     for (Link*& head : heads) head = nullptr;
 }
 
-}  // namespace lyr
+}  // namespace lyr::internal

@@ -7,7 +7,7 @@
 #include <cstddef>
 #include <cstdint>
 
-namespace lyr {
+namespace lyr::internal {
 
 static_assert(std::endian::native == std::endian::little,
               "keys and orders are defined on the little-endian bytes of a GUID");
@@ -31,4 +31,4 @@ inline std::size_t GuidHash(const GUID& guid) noexcept {
     return hash ^ hash >> 32;
 }
 
-}  // namespace lyr
+}  // namespace lyr::internal

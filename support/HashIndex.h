@@ -9,7 +9,7 @@
 #include <memory>
 #include <new>
 
-namespace lyr {
+namespace lyr::internal {
 
 /// Who looks into an index: threads that hold the table's lock, or any at any time.
 enum class Readers { kUnderLock, kAny };
@@ -150,4 +150,4 @@ private:
     std::size_t _count = 0;
 };
 
-}  // namespace lyr
+}  // namespace lyr::internal

@@ -7,7 +7,7 @@
 #include <cstddef>
 #include <span>
 
-namespace lyr {
+namespace lyr::internal {
 
 /// What stands beside a table of chains, whose links are `{record, next}`: the ends of the chains,
 /// the memory of the links, and an index that finds a record at once, however long the chains are.
@@ -40,4 +40,4 @@ struct IndexedTable {
     }
 };
 
-}  // namespace lyr
+}  // namespace lyr::internal

@@ -2,7 +2,7 @@
 
 #include "LYRMutex.h"
 
-namespace lyr {
+namespace lyr::internal {
 
 /// Holds a lock while it lives.
 class LYR_SCOPED_CAPABILITY MutexGuard {
@@ -16,4 +16,4 @@ private:
     LYRMutex& _mutex;
 };
 
-}  // namespace lyr
+}  // namespace lyr::internal

@@ -5,7 +5,7 @@
 #include <new>
 #include <type_traits>
 
-namespace lyr {
+namespace lyr::internal {
 
 /// The memory of a table's nodes, which are made one by one and given back all together: a table
 /// has so many of them that a block of the allocator for each would cost time and room.
@@ -60,4 +60,4 @@ private:
     Block* _newest = nullptr;
 };
 
-}  // namespace lyr
+}  // namespace lyr::internal

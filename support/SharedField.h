@@ -3,7 +3,7 @@
 #include <atomic>
 #include <type_traits>
 
-namespace lyr {
+namespace lyr::internal {
 
 /// A plain pointer that one thread may read while another sets it: what is read has been written
 /// whole, and so has what it points at.
@@ -18,4 +18,4 @@ void StoreShared(T*& field, std::type_identity_t<T*> value) noexcept {
     std::atomic_ref<T*>(field).store(value, std::memory_order_release);
 }
 
-}  // namespace lyr
+}  // namespace lyr::internal

@@ -7,7 +7,7 @@
 #include <new>
 #include <type_traits>
 
-namespace lyr {
+namespace lyr::internal {
 
 /// How often something that may be there the next time, mostly memory, has run out. The reading of
 /// the dictionary files compares the count before and after: what it may have missed is read again.
@@ -33,4 +33,4 @@ std::invoke_result_t<Action> RefuseOnShortage(Refusal refusal,
     }
 }
 
-}  // namespace lyr
+}  // namespace lyr::internal

@@ -1,6 +1,6 @@
 #pragma once
 
-namespace lyr {
+namespace lyr::internal {
 
 /// Priorities of the functions that make the process-wide locks while the library loads, lowest
 /// first. Explicit, because link-time optimisation does not keep the order of the object files.
@@ -11,4 +11,4 @@ inline constexpr int kStartIIDMutex = 103;
 inline constexpr int kStartStringMutex = 104;
 inline constexpr int kStartDicoMutex = 105;
 
-}  // namespace lyr
+}  // namespace lyr::internal

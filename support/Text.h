@@ -2,7 +2,7 @@
 
 #include <cstring>
 
-namespace lyr {
+namespace lyr::internal {
 
 /// Whether two texts, neither of them null, have the same characters.
 inline bool SameText(const char* a, const char* b) noexcept {
@@ -14,4 +14,4 @@ inline const char* TextOrNull(const char* text) noexcept {
     return text != nullptr ? text : "(null)";
 }
 
-}  // namespace lyr
+}  // namespace lyr::internal

@@ -5,7 +5,7 @@
 #include <cstring>
 #include <string_view>
 
-namespace lyr {
+namespace lyr::internal {
 
 /// The number that begins at any byte, aligned or not.
 template <typename Number>
@@ -41,4 +41,4 @@ inline std::size_t TextHash(std::string_view text) noexcept {
     return mix(hash ^ last, kFactor);
 }
 
-}  // namespace lyr
+}  // namespace lyr::internal

@@ -262,7 +262,8 @@ INSTANTIATE_TEST_SUITE_P(, Allocations, testing::Range<std::size_t>(0, std::size
                          [](const auto& row) { return kRows[row.param].name; });
 
 TEST(HashIndex, TakesMoreWhileSlotsAreFreeWhenItCannotGrow) {
-    static constinit lyr::HashIndex<const std::size_t, lyr::Readers::kUnderLock> index;
+    static constinit lyr::internal::HashIndex<const std::size_t, lyr::internal::Readers::kUnderLock>
+        index;
     std::size_t numbers[64], count = 0;
     const auto find = [&](std::size_t number) {
         const auto is = [=](std::size_t known) { return known == number; };
