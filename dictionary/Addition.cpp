@@ -14,11 +14,12 @@ namespace lyr::internal {
 
 namespace {
 
-constexpr const char* LYRSysTSInfoDic::*kTexts[] = {
+constexpr const char* LYRSysTSInfoDic::*kTextFields[] = {
     &LYRSysTSInfoDic::className, &LYRSysTSInfoDic::interfaceName, &LYRSysTSInfoDic::sharedLibrary,
     &LYRSysTSInfoDic::itfLeaf,   &LYRSysTSInfoDic::extendedBy,
 };
-constexpr const GUID* LYRSysTSInfoDic::*kIds[] = {&LYRSysTSInfoDic::clsid, &LYRSysTSInfoDic::iid};
+constexpr const GUID* LYRSysTSInfoDic::*kIdFields[] = {&LYRSysTSInfoDic::clsid,
+                                                       &LYRSysTSInfoDic::iid};
 
 const char* WithoutLib(const char* library) {
     if (library == nullptr || std::strncmp(library, "lib", 3) != 0) return library;
@@ -29,29 +30,25 @@ const char* WithoutLib(const char* library) {
 
 Addition::Addition(const char* className, const char* interfaceName, const char* sharedLibrary,
                    const char* itfLeaf, const char* extendedBy, LYRSysTSInterfaceFactory creator)
-    : _isByName(true),
-      _hash(DictionaryTables::Hash(className, interfaceName)),
-      _bucket(LYRSysTSDictionary::_ComputeHashKey(className, interfaceName)),
-      _creator(creator) {
-    _given.className = className;
-    _given.interfaceName = interfaceName;
-    _given.sharedLibrary = WithoutLib(sharedLibrary);
-    _given.itfLeaf = itfLeaf;
-    _given.extendedBy = extendedBy;
-}
+    : _texts{HashedText(className), HashedText(interfaceName),
+             HashedText(WithoutLib(sharedLibrary)), HashedText(itfLeaf), HashedText(extendedBy)},
+      _ids{},
+      _creator(creator),
+      _isByName(true),
+      _hash(DictionaryTables::Hash(_texts[0], _texts[1])),
+      _bucket(LYRSysTSDictionary::_ComputeHashKey(className, interfaceName)) {}
 
 Addition::Addition(const GUID& clsid, const GUID& iid, LYRSysTSInterfaceFactory creator)
-    : _isByName(false),
+    : _texts{},
+      _ids{&clsid, &iid},
+      _creator(creator),
+      _isByName(false),
       _hash(DictionaryTables::Hash(clsid, iid)),
-      _bucket(LYRSysTSDictionary::_ComputeHashKey(&clsid, &iid)),
-      _creator(creator) {
-    _given.clsid = &clsid;
-    _given.iid = &iid;
-}
+      _bucket(LYRSysTSDictionary::_ComputeHashKey(&clsid, &iid)) {}
 
 LYRSysTSInfoDic* Addition::Existing() const {
-    if (!_isByName) return DictionaryTables::Find(_hash, *_given.clsid, *_given.iid);
-    return DictionaryTables::Find(_hash, _given.className, _given.interfaceName);
+    if (!_isByName) return DictionaryTables::Find(_hash, *_ids[0], *_ids[1]);
+    return DictionaryTables::Find(_hash, _texts[0].text, _texts[1].text);
 }
 
 EntryTable& Addition::Table() const {
@@ -60,10 +57,10 @@ EntryTable& Addition::Table() const {
 
 bool Addition::Prepare(LYRSysTSInfoDic* info) {
     LYRSysTSInfoDic* const existing = Existing();
+    _isNew = existing == nullptr;
+    if (_isNew && !Table().Reserve(_bucket, _hash)) throw std::bad_alloc();
     LYRSysTSInfoDic* const record = ChooseRecord(existing, info);
     if (record == nullptr || ContradictsRecord(*record) || !InternMissing(*record)) return false;
-    _isNew = existing == nullptr;
-    if (_isNew && !Table().Reserve()) throw std::bad_alloc();
     _record = record;
     return true;
 }
@@ -76,37 +73,38 @@ LYRSysTSInfoDic* Addition::ChooseRecord(LYRSysTSInfoDic* existing, LYRSysTSInfoD
 }
 
 bool Addition::ContradictsRecord(const LYRSysTSInfoDic& record) const {
-    for (const auto field : kIds) {
-        if (record.*field == nullptr || _given.*field == nullptr) continue;
-        if (*(record.*field) != *(_given.*field)) return true;
+    for (std::size_t i = 0; i < kIds; ++i) {
+        const GUID* const stored = record.*kIdFields[i];
+        if (stored != nullptr && _ids[i] != nullptr && *stored != *_ids[i]) return true;
     }
-    for (const auto field : kTexts) {
-        if (record.*field == nullptr || _given.*field == nullptr) continue;
-        if (!SameText(record.*field, _given.*field)) return true;
+    for (std::size_t i = 0; i < kTexts; ++i) {
+        const char* const stored = record.*kTextFields[i];
+        const char* const given = _texts[i].text;
+        if (stored != nullptr && given != nullptr && !SameText(stored, given)) return true;
     }
     const LYRSysTSInterfaceFactory stored = record.creator;
     return stored != nullptr && _creator != nullptr && stored != _creator;
 }
 
 bool Addition::InternMissing(const LYRSysTSInfoDic& record) {
-    for (const auto field : kIds) {
-        if (record.*field == nullptr) _missing.*field = InternGUID(_given.*field);
+    for (std::size_t i = 0; i < kIds; ++i) {
+        if (record.*kIdFields[i] == nullptr) _missingIds[i] = InternGUID(_ids[i]);
     }
-    for (const auto field : kTexts) {
-        if (record.*field != nullptr || _given.*field == nullptr) continue;
-        _missing.*field = InternText(_given.*field);
-        if (_missing.*field == nullptr) return false;
+    for (std::size_t i = 0; i < kTexts; ++i) {
+        if (record.*kTextFields[i] != nullptr || _texts[i].text == nullptr) continue;
+        _missingTexts[i] = InternText(_texts[i]);
+        if (_missingTexts[i] == nullptr) return false;
     }
     return true;
 }
 
 void Addition::Commit() {
     if (_record == nullptr) return;
-    for (const auto field : kIds) {
-        if (_missing.*field != nullptr) StoreShared(_record->*field, _missing.*field);
+    for (std::size_t i = 0; i < kIds; ++i) {
+        if (_missingIds[i] != nullptr) StoreShared(_record->*kIdFields[i], _missingIds[i]);
     }
-    for (const auto field : kTexts) {
-        if (_missing.*field != nullptr) StoreShared(_record->*field, _missing.*field);
+    for (std::size_t i = 0; i < kTexts; ++i) {
+        if (_missingTexts[i] != nullptr) StoreShared(_record->*kTextFields[i], _missingTexts[i]);
     }
     // Last, so that whoever sees the creator without the lock also sees its library.
     if (_creator != nullptr && _record->creator == nullptr) _record->creator = _creator;

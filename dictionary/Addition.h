@@ -37,12 +37,19 @@ private:
 
     EntryTable& Table() const LYR_REQUIRES(GetGlobalDicoMutex());
 
+    // The fields of a record as the caller gives them, null where it gives nothing, and of these,
+    // interned, those that the record still lacks.
+    static constexpr std::size_t kTexts = 5;
+    static constexpr std::size_t kIds = 2;
+    const HashedText _texts[kTexts];
+    const GUID* const _ids[kIds];
+    const LYRSysTSInterfaceFactory _creator;
+    const char* _missingTexts[kTexts] = {};
+    const GUID* _missingIds[kIds] = {};
+
     const bool _isByName;
     const std::size_t _hash;
     const int _bucket;
-    const LYRSysTSInterfaceFactory _creator;
-    LYRSysTSInfoDic _given;    // what else the caller gives; null where it gives nothing
-    LYRSysTSInfoDic _missing;  // of that, interned, what the record still lacks
     LYRSysTSInfoDic* _record = nullptr;
     std::unique_ptr<LYRSysTSInfoDic> _newRecord;
     bool _isNew = false;  // the table does not have it yet

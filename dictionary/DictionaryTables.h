@@ -5,6 +5,7 @@
 #include "support/AddressCast.h"
 #include "support/IndexedTable.h"
 #include "support/MutexGuard.h"
+#include "support/TextHash.h"
 
 #include <cstddef>
 
@@ -15,8 +16,11 @@ struct EntryTable {
     DicEntryLink** heads;
     IndexedTable<LYRSysTSInfoDic, DicEntryLink, kPairBuckets, Readers::kUnderLock> beside = {};
 
-    /// Makes sure that one more Append has room; false when memory is out.
-    bool Reserve() { return beside.Reserve(); }
+    /// Makes sure that one more Append has room; false when memory is out. What that one will write
+    /// to is on its way from memory then.
+    bool Reserve(int bucket, std::size_t hash) {
+        return beside.Reserve(static_cast<std::size_t>(bucket), hash);
+    }
 
     /// Hangs a new record, after Reserve.
     void Append(int bucket, std::size_t hash, LYRSysTSInfoDic* record) {
@@ -36,7 +40,7 @@ struct DictionaryTables {
     static EntryTable byGUID LYR_GUARDED_BY(GetGlobalDicoMutex());
 
     /// The hash of a pair in its index. It has nothing to do with the buckets.
-    static std::size_t Hash(const char* className, const char* interfaceName);
+    static std::size_t Hash(const HashedText& className, const HashedText& interfaceName);
     static std::size_t Hash(const GUID& clsid, const GUID& iid);
 
     /// What `read` makes of the record registered under the pair, or of null, while the lock is
@@ -45,7 +49,7 @@ struct DictionaryTables {
     static auto ReadEntry(const char* className, const char* interfaceName, short load, Read read) {
         if (className == nullptr || interfaceName == nullptr || Deleted()) return read(nullptr);
         if (load == 1) LYRSysTSDictionary::EnsureInitDictionary();
-        const std::size_t hash = Hash(className, interfaceName);
+        const std::size_t hash = Hash(HashedText(className), HashedText(interfaceName));
         const MutexGuard guard(*GetGlobalDicoMutex());
         return read(Deleted() ? nullptr : Find(hash, className, interfaceName));
     }

@@ -57,8 +57,8 @@ namespace lyr::internal {
 constinit EntryTable DictionaryTables::byName{LYRSysTSDictionary::_dicByName};
 constinit EntryTable DictionaryTables::byGUID{LYRSysTSDictionary::_dicByGUID};
 
-std::size_t DictionaryTables::Hash(const char* className, const char* interfaceName) {
-    return TextHash(className) ^ std::rotl(TextHash(interfaceName), 21);
+std::size_t DictionaryTables::Hash(const HashedText& className, const HashedText& interfaceName) {
+    return className.hash ^ std::rotl(interfaceName.hash, 21);
 }
 
 std::size_t DictionaryTables::Hash(const GUID& clsid, const GUID& iid) {

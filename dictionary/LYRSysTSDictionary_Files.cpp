@@ -8,7 +8,6 @@
 #include <cstdio>
 #include <dirent.h>
 #include <memory>
-#include <stdio_ext.h>
 #include <string_view>
 
 namespace {
@@ -49,10 +48,11 @@ HRESULT LYRSysTSDictionary::_ReadDictionary(const char* path, LYRSysTSDictionary
     const std::unique_ptr<std::FILE, CloseFile> file(std::fopen(path, "re"));
     if (file == nullptr) return Fail("fopen", path);
 
-    // Nobody else has the stream: no lock and unlock around each piece.
-    __fsetlocking(file.get(), FSETLOCKING_BYCALLER);
-    char piece[2048];
-    for (int lineNumber = 1; std::fgets(piece, sizeof piece, file.get()) != nullptr; ++lineNumber) {
+    // The pieces are cut from a buffer of their own.
+    std::setvbuf(file.get(), nullptr, _IONBF, 0);
+    lyr::internal::LinePieces pieces(file.get());
+    lyr::internal::LinePiece piece = pieces.Next();
+    for (int lineNumber = 1; piece.begin != nullptr; piece = pieces.Next(), ++lineNumber) {
         char* words[lyr::internal::kMaxWords];
         const int count = lyr::internal::CutWords(piece, words);
         if (count == 0) continue;

@@ -6,6 +6,11 @@
 #include <atomic>
 #include <cstdint>
 
+namespace lyr::internal {
+struct HashedText;
+const char* InternText(const HashedText& text);
+}  // namespace lyr::internal
+
 /// The lock of LYRSysTSDicoString, never null. It guards the table and the blocks, and is a leaf:
 /// the store takes it itself and calls nothing under it.
 LYR_EXPORT LYRSmartMutex* GetGlobalStringDicoMutex();
@@ -51,6 +56,10 @@ public:
     static void _FreeDictionary();
 
 private:
+    friend const char* lyr::internal::InternText(const lyr::internal::HashedText& text);
+
+    // AddStringInDico of a text that is not null.
+    LYR_LOCAL static const char* Intern(const lyr::internal::HashedText& text);
     // Room for one copy, in a new block where the current one has too little; null without memory.
     LYR_LOCAL static char* TakeRoom(std::int32_t size) LYR_REQUIRES(GetGlobalStringDicoMutex());
 

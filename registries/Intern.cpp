@@ -3,15 +3,14 @@
 #include "LYRSysTSDicoGUID.h"
 #include "LYRSysTSDicoString.h"
 
-#include <cstring>
 #include <new>
 
 namespace lyr::internal {
 
-const char* InternText(const char* text) {
-    const char* const interned = LYRSysTSDicoString::AddStringInDico(text);
-    if (interned != nullptr || text == nullptr) return interned;
-    if (std::strlen(text) >= sizeof(DicoStringBlock::chars)) return nullptr;
+const char* InternText(const HashedText& text) {
+    if (text.text == nullptr) return nullptr;
+    const char* const interned = LYRSysTSDicoString::Intern(text);
+    if (interned != nullptr || text.length >= sizeof(DicoStringBlock::chars)) return interned;
     throw std::bad_alloc();
 }
 

@@ -39,9 +39,9 @@ constexpr std::size_t kBlockSize = sizeof(DicoStringBlock::chars);
 constinit lyr::internal::HashIndex<const char, lyr::internal::Readers::kAny> stringIndex;
 constinit lyr::internal::NodePool<DicoStringNode> nodes;
 
-const char* Find(const char* text, std::size_t hash) {
-    return stringIndex.Find(hash,
-                            [=](const char& known) { return std::strcmp(&known, text) == 0; });
+const char* Find(const lyr::internal::HashedText& text) {
+    return stringIndex.Find(text.hash,
+                            [&](const char& known) { return std::strcmp(&known, text.text) == 0; });
 }
 
 unsigned KeyOf(std::string_view text) {
@@ -51,29 +51,29 @@ unsigned KeyOf(std::string_view text) {
 }  // namespace
 
 const char* LYRSysTSDicoString::AddStringInDico(const char* s) {
-    if (s == nullptr) return nullptr;
+    return s != nullptr ? Intern(lyr::internal::HashedText(s)) : nullptr;
+}
+
+const char* LYRSysTSDicoString::Intern(const lyr::internal::HashedText& text) {
     if (!_DictionaryCleared) _ClearDictionary();
+    if (text.length >= kBlockSize) return nullptr;
+    if (const char* const known = Find(text)) return known;
 
-    const std::string_view text(s);
-    if (text.size() >= kBlockSize) return nullptr;
-    const std::size_t hash = lyr::internal::TextHash(text);
-    if (const char* const known = Find(s, hash)) return known;
-
-    const unsigned key = KeyOf(text);
+    const unsigned key = KeyOf({text.text, text.length});
     const lyr::internal::MutexGuard guard(*GetGlobalStringDicoMutex());
-    if (const char* const known = Find(s, hash)) return known;
-    const auto length = static_cast<std::int32_t>(text.size());
-    const auto slot = lyr::internal::FindSlot(_DicoString[key], [=](const DicoStringNode& node) {
+    if (const char* const known = Find(text)) return known;
+    const auto length = static_cast<std::int32_t>(text.length);
+    const auto slot = lyr::internal::FindSlot(_DicoString[key], [&](const DicoStringNode& node) {
         if (node.length != length) return node.length < length;
-        return std::strcmp(node.text, s) > 0;
+        return std::strcmp(node.text, text.text) > 0;
     });
 
     if (!nodes.Reserve() || !stringIndex.Reserve()) return nullptr;
     char* const copy = TakeRoom(length + 1);
     if (copy == nullptr) return nullptr;
-    std::memcpy(copy, s, text.size() + 1);
+    std::memcpy(copy, text.text, text.length + 1);
     *slot.place = nodes.Make({slot.link, copy, length});
-    stringIndex.Add(hash, copy);
+    stringIndex.Add(text.hash, copy);
     return copy;
 }
 

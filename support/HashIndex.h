@@ -52,6 +52,14 @@ public:
         return _count + 1 < groups * kGroup;  // a search ends at a free slot, so one stays free
     }
 
+    /// Sends for what Add writes to, most likely.
+    void Prefetch(std::size_t hash) const {
+        const Slots* const slots = _slots.load(std::memory_order_relaxed);
+        const std::size_t first = (static_cast<Place>(hash) & slots->mask) * kGroup;
+        __builtin_prefetch(slots->nodes + first, 1);
+        __builtin_prefetch(slots->places + first, 1);
+    }
+
     /// Adds a node, after Reserve.
     void Add(std::size_t hash, Node* node) {
         Put(*_slots.load(std::memory_order_relaxed), TagOf(hash), static_cast<Place>(hash), node);

@@ -41,4 +41,15 @@ inline std::size_t TextHash(std::string_view text) noexcept {
     return mix(hash ^ last, kFactor);
 }
 
+/// A text with its length and hash, for work that needs them more than once. A null text has none.
+struct HashedText {
+    const char* text = nullptr;
+    std::size_t length = 0;
+    std::size_t hash = 0;
+
+    HashedText() = default;
+    explicit HashedText(const char* s) noexcept
+        : text(s), length(s != nullptr ? std::strlen(s) : 0), hash(TextHash({s, length})) {}
+};
+
 }  // namespace lyr::internal
