@@ -59,17 +59,13 @@ bool Addition::Prepare(LYRSysTSInfoDic* info) {
     LYRSysTSInfoDic* const existing = Existing();
     _isNew = existing == nullptr;
     if (_isNew && !Table().Reserve(_bucket, _hash)) throw std::bad_alloc();
-    LYRSysTSInfoDic* const record = ChooseRecord(existing, info);
-    if (record == nullptr || ContradictsRecord(*record) || !InternMissing(*record)) return false;
+    if (existing != nullptr && info != nullptr && info != existing) return false;
+    LYRSysTSInfoDic* const known = existing != nullptr ? existing : info;
+    if (known != nullptr && ContradictsRecord(*known)) return false;
+    LYRSysTSInfoDic* const record = known != nullptr ? known : DictionaryTables::UnusedRecord();
+    if (!InternMissing(*record)) return false;
     _record = record;
     return true;
-}
-
-LYRSysTSInfoDic* Addition::ChooseRecord(LYRSysTSInfoDic* existing, LYRSysTSInfoDic* info) {
-    if (existing != nullptr) return info == nullptr || info == existing ? existing : nullptr;
-    if (info != nullptr) return info;
-    _newRecord = std::make_unique<LYRSysTSInfoDic>();
-    return _newRecord.get();
 }
 
 bool Addition::ContradictsRecord(const LYRSysTSInfoDic& record) const {
@@ -88,10 +84,11 @@ bool Addition::ContradictsRecord(const LYRSysTSInfoDic& record) const {
 
 bool Addition::InternMissing(const LYRSysTSInfoDic& record) {
     for (std::size_t i = 0; i < kIds; ++i) {
-        if (record.*kIdFields[i] == nullptr) _missingIds[i] = InternGUID(_ids[i]);
+        if (_ids[i] == nullptr || record.*kIdFields[i] != nullptr) continue;
+        _missingIds[i] = InternGUID(_ids[i]);
     }
     for (std::size_t i = 0; i < kTexts; ++i) {
-        if (record.*kTextFields[i] != nullptr || _texts[i].text == nullptr) continue;
+        if (_texts[i].text == nullptr || record.*kTextFields[i] != nullptr) continue;
         _missingTexts[i] = InternText(_texts[i]);
         if (_missingTexts[i] == nullptr) return false;
     }
@@ -109,7 +106,7 @@ void Addition::Commit() {
     // Last, so that whoever sees the creator without the lock also sees its library.
     if (_creator != nullptr && _record->creator == nullptr) _record->creator = _creator;
     if (_isNew) Table().Append(_bucket, _hash, _record);
-    static_cast<void>(_newRecord.release());
+    if (_record == DictionaryTables::unused) DictionaryTables::unused = nullptr;
 }
 
 Refusals::~Refusals() {

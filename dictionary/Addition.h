@@ -2,8 +2,6 @@
 
 #include "dictionary/DictionaryTables.h"
 
-#include <memory>
-
 namespace lyr::internal {
 
 /// One addition to one table of the dictionary. It goes in two steps under one hold of the lock:
@@ -31,7 +29,6 @@ public:
     void Commit() LYR_REQUIRES(GetGlobalDicoMutex());
 
 private:
-    LYRSysTSInfoDic* ChooseRecord(LYRSysTSInfoDic* existing, LYRSysTSInfoDic* info);
     bool ContradictsRecord(const LYRSysTSInfoDic& record) const;
     bool InternMissing(const LYRSysTSInfoDic& record);
 
@@ -51,7 +48,6 @@ private:
     const std::size_t _hash;
     const int _bucket;
     LYRSysTSInfoDic* _record = nullptr;
-    std::unique_ptr<LYRSysTSInfoDic> _newRecord;
     bool _isNew = false;  // the table does not have it yet
 };
 

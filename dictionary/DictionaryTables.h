@@ -27,10 +27,12 @@ struct EntryTable {
         beside.Append(heads, static_cast<std::size_t>(bucket), hash, record);
     }
 
-    /// Empties the table, handing each record to `dispose`.
+    /// Empties the table, handing each record to `dispose`, which may want the lock held as well.
     template <typename Dispose>
-    void Clear(Dispose dispose) {
-        beside.Clear(heads, [&](const DicEntryLink* link) { dispose(link->info); });
+    void Clear(Dispose dispose) LYR_REQUIRES(GetGlobalDicoMutex()) {
+        const auto disposeOf = [&](const DicEntryLink* link)
+                                   LYR_NO_THREAD_SAFETY_ANALYSIS { dispose(link->info); };
+        beside.Clear(heads, disposeOf);
     }
 };
 
@@ -38,6 +40,16 @@ struct EntryTable {
 struct DictionaryTables {
     static EntryTable byName LYR_GUARDED_BY(GetGlobalDicoMutex());
     static EntryTable byGUID LYR_GUARDED_BY(GetGlobalDicoMutex());
+
+    /// The records that the dictionary makes itself, others being handed to it, and the one that no
+    /// table has yet, or null.
+    static NodePool<LYRSysTSInfoDic> records LYR_GUARDED_BY(GetGlobalDicoMutex());
+    static LYRSysTSInfoDic* unused LYR_GUARDED_BY(GetGlobalDicoMutex());
+
+    /// A record with every field null, for whoever hangs it first. Throws std::bad_alloc.
+    static LYRSysTSInfoDic* UnusedRecord() LYR_REQUIRES(GetGlobalDicoMutex());
+    /// Ends the life of a record that no table has any more.
+    static void Dispose(LYRSysTSInfoDic* record) LYR_REQUIRES(GetGlobalDicoMutex());
 
     /// The hash of a pair in its index. It has nothing to do with the buckets.
     static std::size_t Hash(const HashedText& className, const HashedText& interfaceName);

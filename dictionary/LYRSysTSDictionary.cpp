@@ -8,6 +8,8 @@
 #include "support/TextHash.h"
 
 #include <bit>
+#include <memory>
+#include <new>
 
 constinit DicEntryLink* LYRSysTSDictionary::_dicByName[lyr::internal::kPairBuckets] = {};
 constinit DicEntryLink* LYRSysTSDictionary::_dicByGUID[lyr::internal::kPairBuckets] = {};
@@ -39,23 +41,39 @@ void LYRSysTSDictionary::_ClearDictionary() {
 }
 
 void LYRSysTSDictionary::_DeleteDictionary() {
+    using Tables = lyr::internal::DictionaryTables;
     if (!_DictionaryCleared || _DictionaryDeleted.exchange(true)) return;
     {
         // A record with a class name is left to the table by name.
         const lyr::internal::MutexGuard guard(*GetGlobalDicoMutex());
-        lyr::internal::DictionaryTables::byGUID.Clear([](const LYRSysTSInfoDic* record) {
-            if (record != nullptr && record->className == nullptr) delete record;
+        Tables::byGUID.Clear([](LYRSysTSInfoDic* record) LYR_REQUIRES(GetGlobalDicoMutex()) {
+            if (record != nullptr && record->className == nullptr) Tables::Dispose(record);
         });
     }
     const lyr::internal::MutexGuard guard(*GetGlobalDicoMutex());
-    lyr::internal::DictionaryTables::byName.Clear(
-        [](const LYRSysTSInfoDic* record) { delete record; });
+    Tables::byName.Clear(&Tables::Dispose);
+    Tables::records.Clear();
+    Tables::unused = nullptr;
 }
 
 namespace lyr::internal {
 
 constinit EntryTable DictionaryTables::byName{LYRSysTSDictionary::_dicByName};
 constinit EntryTable DictionaryTables::byGUID{LYRSysTSDictionary::_dicByGUID};
+constinit NodePool<LYRSysTSInfoDic> DictionaryTables::records;
+constinit LYRSysTSInfoDic* DictionaryTables::unused = nullptr;
+
+LYRSysTSInfoDic* DictionaryTables::UnusedRecord() {
+    if (unused != nullptr) return unused;
+    if (!records.Reserve()) throw std::bad_alloc();
+    unused = records.Make();
+    return unused;
+}
+
+void DictionaryTables::Dispose(LYRSysTSInfoDic* record) {
+    if (!records.Holds(record)) return delete record;
+    std::destroy_at(record);
+}
 
 std::size_t DictionaryTables::Hash(const HashedText& className, const HashedText& interfaceName) {
     return className.hash ^ std::rotl(interfaceName.hash, 21);

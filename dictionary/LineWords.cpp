@@ -1,6 +1,6 @@
 #include "dictionary/LineWords.h"
 
-#include "support/TextHash.h"
+#include "support/LoadNumber.h"
 
 #include <bit>
 #include <cstdint>
@@ -20,7 +20,6 @@ bool IsComment(const char* piece) {
 /// The separator or the NUL that ends the word. Both are among the few characters below '!', for
 /// which it looks at eight at a time.
 char* EndOfWord(char* c) {
-    static_assert(std::endian::native == std::endian::little, "the first character is the lowest");
     constexpr std::uint64_t kEachByte = 0x0101'0101'0101'0101;
     for (;;) {
         const auto eight = LoadNumber<std::uint64_t>(c);

@@ -65,7 +65,7 @@ CLSIDNameRecord* LYRSysTSDicoCLSIDName::AddDicoCLSIDName(const GUID& clsid, cons
         if (library != nullptr && internedLibrary == nullptr) return nullptr;
         const GUID* const internedId = lyr::internal::InternGUID(&clsid);
         if (!table.Reserve() || !records.Reserve()) throw std::bad_alloc();
-        CLSIDNameRecord* const record = records.Make({internedId, internedName, internedLibrary});
+        CLSIDNameRecord* const record = records.Make(internedId, internedName, internedLibrary);
         table.Append(_CLSIDNameByCLSID, lyr::internal::SignedKey(clsid), hash, record);
         return record;
     });

@@ -54,7 +54,7 @@ const GUID* LYRSysTSDicoGUID::AddGUIDInDico(const GUID* g) {
     const lyr::internal::MutexGuard guard(*GetGlobalGUIDDicoMutex());
     if (const GUID* const known = Find(*g, hash)) return known;
     if (!guidIndex.Reserve() || !nodes.Reserve()) return nullptr;
-    DicoGUIDNode* const node = nodes.Make({nullptr, *g});
+    DicoGUIDNode* const node = nodes.Make(nullptr, *g);
     tails.Append(_DicoGUID[key], key, node);
     guidIndex.Add(hash, node);
     return &node->guid;

@@ -61,7 +61,7 @@ int LYRSysTSDicoIIDName::AddDicoIIDName(const GUID& iid, const char* name) {
         if (internedName == nullptr) return 0;
         const GUID* const internedId = lyr::internal::InternGUID(&iid);
         if (!byIID.Reserve() || !byName.Reserve() || !records.Reserve()) throw std::bad_alloc();
-        IIDNameRecord* const record = records.Make({internedId, internedName});
+        IIDNameRecord* const record = records.Make(internedId, internedName);
         byIID.Append(_IIDNameByIID, lyr::internal::SignedKey(iid), iidHash, record);
         byName.Append(_IIDNameByName, lyr::internal::SignedKey(name), nameHash, record);
         return 1;

@@ -72,7 +72,7 @@ const char* LYRSysTSDicoString::Intern(const lyr::internal::HashedText& text) {
     char* const copy = TakeRoom(length + 1);
     if (copy == nullptr) return nullptr;
     std::memcpy(copy, text.text, text.length + 1);
-    *slot.place = nodes.Make({slot.link, copy, length});
+    *slot.place = nodes.Make(slot.link, copy, length);
     stringIndex.Add(text.hash, copy);
     return copy;
 }

@@ -6,15 +6,16 @@
 #include <bit>
 #include <cstddef>
 #include <cstdint>
+#include <string_view>
 
 namespace lyr::internal {
 
 static_assert(std::endian::native == std::endian::little,
               "keys and orders are defined on the little-endian bytes of a GUID");
 
-/// The 16 bytes of a GUID in memory order.
-inline std::array<unsigned char, 16> GuidBytes(const GUID& guid) noexcept {
-    return std::bit_cast<std::array<unsigned char, 16>>(guid);
+/// The 16 bytes of a GUID in memory order, where they are.
+inline std::string_view GuidBytes(const GUID& guid) noexcept {
+    return {reinterpret_cast<const char*>(&guid), sizeof guid};
 }
 
 /// The same bytes as four 32-bit words.

@@ -34,7 +34,7 @@ struct IndexedTable {
 
     /// Hangs a new record, after Reserve.
     void Append(Link** heads, std::size_t bucket, std::size_t hash, Record* record) {
-        tails.Append(heads[bucket], bucket, links.Make({record, nullptr}));
+        tails.Append(heads[bucket], bucket, links.Make(record, nullptr));
         index.Add(hash, record);
     }
 

@@ -1,9 +1,11 @@
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdlib>
+#include <functional>
 #include <new>
-#include <type_traits>
+#include <utility>
 
 namespace lyr::internal {
 
@@ -14,7 +16,6 @@ namespace lyr::internal {
 /// constant-initialised, never destroyed.
 template <typename Node>
 class NodePool {
-    static_assert(std::is_trivially_destructible_v<Node>);
     static_assert(alignof(Node) <= alignof(std::max_align_t), "malloc gives no more");
 
 public:
@@ -24,40 +25,62 @@ public:
 
     /// Makes sure that one more Make has room; false when memory is out.
     bool Reserve() {
-        if (_newest != nullptr && _newest->used < kNodes) return true;
-        void* const memory = std::malloc(sizeof(Block));
+        if (_newest != nullptr && _newest->used < _newest->size) return true;
+        // Few blocks, and little room that is not needed yet.
+        const std::size_t size = std::max(kFirst, _size / 8);
+        void* const memory = std::malloc(sizeof(Block) + size * sizeof(Node));
         if (memory == nullptr) return false;
-        auto* const block = new (memory) Block;
-        block->before = _newest;
-        block->used = 0;
-        _newest = block;
+        _newest = new (memory) Block{_newest, size, 0};
+        _size += size;
         return true;
     }
 
     /// Makes a node, after Reserve.
-    Node* Make(const Node& node) {
-        return new (_newest->room + sizeof(Node) * _newest->used++) Node(node);
+    template <typename... Fields>
+    Node* Make(Fields&&... fields) {
+        return new (_newest->Place(_newest->used++)) Node{std::forward<Fields>(fields)...};
     }
 
-    /// Gives all nodes back.
+    /// Whether the pool has made the node.
+    bool Holds(const Node* node) const {
+        const std::less<const void*> isBefore;  // of any two addresses
+        for (const Block* block = _newest; block != nullptr; block = block->before) {
+            if (!isBefore(node, block->Place(0)) && isBefore(node, block->Place(block->used))) {
+                return true;
+            }
+        }
+        return false;
+    }
+
+    /// Gives the memory of all nodes back, without destroying them.
     void Clear() {
         while (_newest != nullptr) {
             Block* const before = _newest->before;
             std::free(_newest);
             _newest = before;
         }
+        _size = 0;
     }
 
 private:
-    static constexpr std::size_t kNodes = 4000 / sizeof(Node);  // a page, with what else is in it
+    static constexpr std::size_t kFirst = 4000 / sizeof(Node);  // a page, with what else is in it
 
-    struct Block {
+    struct alignas(std::max_align_t) Block {
         Block* before;
+        std::size_t size;
         std::size_t used;
-        alignas(Node) std::byte room[kNodes * sizeof(Node)];
+
+        /// The room behind it, up to its end.
+        std::byte* Place(std::size_t node) {
+            return reinterpret_cast<std::byte*>(this + 1) + node * sizeof(Node);
+        }
+        const std::byte* Place(std::size_t node) const {
+            return const_cast<Block*>(this)->Place(node);
+        }
     };
 
     Block* _newest = nullptr;
+    std::size_t _size = 0;  // of all blocks together, in nodes
 };
 
 }  // namespace lyr::internal

@@ -1,19 +1,13 @@
 #pragma once
 
+#include "support/LoadNumber.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
 #include <string_view>
 
 namespace lyr::internal {
-
-/// The number that begins at any byte, aligned or not.
-template <typename Number>
-Number LoadNumber(const char* bytes) noexcept {
-    Number number;
-    std::memcpy(&number, bytes, sizeof number);
-    return number;
-}
 
 /// A hash of a text for indexes; the tables have keys of their own. The standard library's takes
 /// longer on names, of which every line of a dictionary file has several.
@@ -48,8 +42,11 @@ struct HashedText {
     std::size_t hash = 0;
 
     HashedText() = default;
-    explicit HashedText(const char* s) noexcept
-        : text(s), length(s != nullptr ? std::strlen(s) : 0), hash(TextHash({s, length})) {}
+    explicit HashedText(const char* s) noexcept : text(s) {
+        if (s == nullptr) return;
+        length = std::strlen(s);
+        hash = TextHash({s, length});
+    }
 };
 
 }  // namespace lyr::internal
