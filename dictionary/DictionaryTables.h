@@ -19,7 +19,9 @@ struct EntryTable {
     /// Makes sure that one more Append has room; false when memory is out. What that one will write
     /// to is on its way from memory then.
     bool Reserve(int bucket, std::size_t hash) {
-        return beside.Reserve(static_cast<std::size_t>(bucket), hash);
+        if (!beside.Reserve()) return false;
+        beside.Prefetch(static_cast<std::size_t>(bucket), hash);
+        return true;
     }
 
     /// Hangs a new record, after Reserve.

@@ -13,4 +13,9 @@ inline const char* InternText(const char* text) {
 }
 const GUID* InternGUID(const GUID* guid);
 
+/// Sends for the memory that the first look for them reads, which arrives while the caller does
+/// something else.
+void PrefetchText(const HashedText& text);
+void PrefetchGUID(std::size_t hash);
+
 }  // namespace lyr::internal

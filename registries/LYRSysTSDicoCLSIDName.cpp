@@ -55,18 +55,23 @@ CLSIDNameRecord* LYRSysTSDicoCLSIDName::AddDicoCLSIDName(const GUID& clsid, cons
     if (!_DictionaryCleared) _ClearDictionary();
 
     const std::size_t hash = lyr::internal::GuidHash(clsid);
+    const unsigned key = lyr::internal::SignedKey(clsid);
+    const lyr::internal::HashedText nameText(name);
+    table.Prefetch(key, hash);
+    lyr::internal::PrefetchText(nameText);
+    lyr::internal::PrefetchGUID(hash);
     if (CLSIDNameRecord* const known = Find(clsid, hash)) {
         return IsSameClass(*known, name, library) ? known : nullptr;
     }
     return lyr::internal::RefuseOnShortage(nullptr, [&]() -> CLSIDNameRecord* {
-        const char* const internedName = lyr::internal::InternText(name);
+        const char* const internedName = lyr::internal::InternText(nameText);
         const char* const internedLibrary = lyr::internal::InternText(library);
         if (internedName == nullptr) return nullptr;
         if (library != nullptr && internedLibrary == nullptr) return nullptr;
         const GUID* const internedId = lyr::internal::InternGUID(&clsid);
         if (!table.Reserve() || !records.Reserve()) throw std::bad_alloc();
         CLSIDNameRecord* const record = records.Make(internedId, internedName, internedLibrary);
-        table.Append(_CLSIDNameByCLSID, lyr::internal::SignedKey(clsid), hash, record);
+        table.Append(_CLSIDNameByCLSID, key, hash, record);
         return record;
     });
 }

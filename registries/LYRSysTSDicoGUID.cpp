@@ -1,5 +1,6 @@
 #include "LYRSysTSDicoGUID.h"
 
+#include "registries/Intern.h"
 #include "support/ByteSum.h"
 #include "support/Chain.h"
 #include "support/GuidBytes.h"
@@ -51,8 +52,10 @@ const GUID* LYRSysTSDicoGUID::AddGUIDInDico(const GUID* g) {
     if (const GUID* const known = Find(*g, hash)) return known;
 
     const unsigned key = KeyOf(*g);
+    guidIndex.Prefetch(hash);
     const lyr::internal::MutexGuard guard(*GetGlobalGUIDDicoMutex());
     if (const GUID* const known = Find(*g, hash)) return known;
+    tails.Prefetch(key);
     if (!guidIndex.Reserve() || !nodes.Reserve()) return nullptr;
     DicoGUIDNode* const node = nodes.Make(nullptr, *g);
     tails.Append(_DicoGUID[key], key, node);
@@ -78,3 +81,11 @@ void LYRSysTSDicoGUID::_FreeDictionary() {
     lyr::internal::ClearHeads(_DicoGUID);
     nodes.Clear();
 }
+
+namespace lyr::internal {
+
+void PrefetchGUID(std::size_t hash) {
+    guidIndex.Prefetch(hash);
+}
+
+}  // namespace lyr::internal

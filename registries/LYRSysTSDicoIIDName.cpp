@@ -51,19 +51,25 @@ int LYRSysTSDicoIIDName::AddDicoIIDName(const GUID& iid, const char* name) {
     if (name == nullptr) return 0;
     if (!_DictionaryCleared) _ClearDictionary();
 
-    const std::size_t nameHash = lyr::internal::TextHash(name);
-    if (const IIDNameRecord* const known = FindName(name, nameHash)) return *known->iid == iid;
+    const lyr::internal::HashedText text(name);
     const std::size_t iidHash = lyr::internal::GuidHash(iid);
+    const unsigned iidKey = lyr::internal::SignedKey(iid);
+    const unsigned nameKey = lyr::internal::SignedKey({name, text.length});
+    byName.Prefetch(nameKey, text.hash);
+    byIID.Prefetch(iidKey, iidHash);
+    lyr::internal::PrefetchText(text);
+    lyr::internal::PrefetchGUID(iidHash);
+    if (const IIDNameRecord* const known = FindName(name, text.hash)) return *known->iid == iid;
     if (FindIID(iid, iidHash) != nullptr) return 0;
 
     return lyr::internal::RefuseOnShortage(0, [&] {
-        const char* const internedName = lyr::internal::InternText(name);
+        const char* const internedName = lyr::internal::InternText(text);
         if (internedName == nullptr) return 0;
         const GUID* const internedId = lyr::internal::InternGUID(&iid);
         if (!byIID.Reserve() || !byName.Reserve() || !records.Reserve()) throw std::bad_alloc();
         IIDNameRecord* const record = records.Make(internedId, internedName);
-        byIID.Append(_IIDNameByIID, lyr::internal::SignedKey(iid), iidHash, record);
-        byName.Append(_IIDNameByName, lyr::internal::SignedKey(name), nameHash, record);
+        byIID.Append(_IIDNameByIID, iidKey, iidHash, record);
+        byName.Append(_IIDNameByName, nameKey, text.hash, record);
         return 1;
     });
 }

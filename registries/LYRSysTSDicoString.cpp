@@ -1,5 +1,7 @@
 #include "LYRSysTSDicoString.h"
 
+#include "registries/Intern.h"
+#include "registries/TextOrder.h"
 #include "support/ByteSum.h"
 #include "support/Chain.h"
 #include "support/HashIndex.h"
@@ -38,6 +40,7 @@ constexpr std::size_t kBlockSize = sizeof(DicoStringBlock::chars);
 // it finds never changes.
 constinit lyr::internal::HashIndex<const char, lyr::internal::Readers::kAny> stringIndex;
 constinit lyr::internal::NodePool<DicoStringNode> nodes;
+constinit lyr::internal::TextOrder orders[4096];  // of the chains
 
 const char* Find(const lyr::internal::HashedText& text) {
     return stringIndex.Find(text.hash,
@@ -60,19 +63,19 @@ const char* LYRSysTSDicoString::Intern(const lyr::internal::HashedText& text) {
     if (const char* const known = Find(text)) return known;
 
     const unsigned key = KeyOf({text.text, text.length});
+    stringIndex.Prefetch(text.hash);
     const lyr::internal::MutexGuard guard(*GetGlobalStringDicoMutex());
     if (const char* const known = Find(text)) return known;
     const auto length = static_cast<std::int32_t>(text.length);
-    const auto slot = lyr::internal::FindSlot(_DicoString[key], [&](const DicoStringNode& node) {
-        if (node.length != length) return node.length < length;
-        return std::strcmp(node.text, text.text) > 0;
-    });
-
     if (!nodes.Reserve() || !stringIndex.Reserve()) return nullptr;
     char* const copy = TakeRoom(length + 1);
     if (copy == nullptr) return nullptr;
     std::memcpy(copy, text.text, text.length + 1);
-    *slot.place = nodes.Make(slot.link, copy, length);
+    DicoStringNode*& head = _DicoString[key];
+    const auto place = orders[key].PlaceOf(text, head);
+    DicoStringNode* const node = nodes.Make(*place.link, copy, length);
+    *place.link = node;
+    orders[key].Add(place, node, head);
     stringIndex.Add(text.hash, copy);
     return copy;
 }
@@ -120,5 +123,14 @@ void LYRSysTSDicoString::_FreeDictionary() {
     _StringForDicoAvailable = nullptr;
     _SizeStringForDicoAvailable = 0;
     lyr::internal::ClearHeads(_DicoString);
+    for (lyr::internal::TextOrder& order : orders) order.Clear();
     nodes.Clear();
 }
+
+namespace lyr::internal {
+
+void PrefetchText(const HashedText& text) {
+    stringIndex.Prefetch(text.hash);
+}
+
+}  // namespace lyr::internal

@@ -54,10 +54,12 @@ public:
 
     /// Sends for what Add writes to, most likely.
     void Prefetch(std::size_t hash) const {
-        const Slots* const slots = _slots.load(std::memory_order_relaxed);
-        const std::size_t first = (static_cast<Place>(hash) & slots->mask) * kGroup;
-        __builtin_prefetch(slots->nodes + first, 1);
-        __builtin_prefetch(slots->places + first, 1);
+        const Slots* const slots = _slots.load(std::memory_order_acquire);
+        if (slots == nullptr) return;
+        const std::size_t group = static_cast<Place>(hash) & slots->mask;
+        __builtin_prefetch(slots->tags + group, 1);
+        __builtin_prefetch(slots->nodes + group * kGroup, 1);
+        __builtin_prefetch(slots->places + group * kGroup, 1);
     }
 
     /// Adds a node, after Reserve.

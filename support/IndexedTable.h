@@ -23,13 +23,11 @@ struct IndexedTable {
 
     /// Makes sure that one more Append has room; false when memory is out.
     bool Reserve() { return links.Reserve() && index.Reserve(); }
-    /// With the place of the record at hand, it also sends for the memory that Append will write
-    /// to, which arrives while the caller makes the record.
-    bool Reserve(std::size_t bucket, std::size_t hash) {
-        if (!Reserve()) return false;
+
+    /// Sends for what Append writes to, which arrives while its caller makes the record.
+    void Prefetch(std::size_t bucket, std::size_t hash) const {
         tails.Prefetch(bucket);
         index.Prefetch(hash);
-        return true;
     }
 
     /// Hangs a new record, after Reserve.
