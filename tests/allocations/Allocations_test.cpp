@@ -78,6 +78,11 @@ static bool ListsDevice() {
     auto* const extension = dynamic_cast<LYRSysTSMetaClassExt*>(Class("GadgetExt"));
     return hasMissed ? Search(0) != nullptr : extension->IsExtensionOf(meta);
 }
+static const void* LikeName(char first) {
+    std::string text(kName);
+    text[0] = first;
+    return LYRSysTSDicoString::AddStringInDico(text.c_str());
+}
 static bool Found(const char* entryPoint) {
     return result && result == Loader::GetFunctionAddress("LyrTestParts", entryPoint);
 }
@@ -100,6 +105,11 @@ static const void* Released(Object* made) {
 
 static const Row kRows[] = {
     {"String", kPlain, ASK(LYRSysTSDicoString::AddStringInDico(kName))},
+    // Two of one chain, which is as long by then as the array beside it.
+    {"StringsOfALongChain", kPlain, ASK(LikeName('A') != nullptr ? LikeName('B') : nullptr),
+     [] {
+         for (char first = 'Z'; first != 'Z' + 34; ++first) LikeName(first);
+     }},
     {"Id", kPlain, ASK(LYRSysTSDicoGUID::AddGUIDInDico(&kIid))},
     {"MadeUpId", kPlain, ASK(Dictionary::_CreateCLSID())},
     {"InterfaceName", kPlain, ASK(Interfaces::AddDicoIIDName(kIid, kName) ? kName : nullptr)},
