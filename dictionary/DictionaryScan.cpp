@@ -80,32 +80,54 @@ void ScanDirectory(const std::string& directory) LYR_REQUIRES(GetGlobalDicoMutex
     }
 }
 
-/// Reads the dictionary files of the directories that `path` lists between colons. False when
-/// something was short on the way: what is registered stays, and a line may be missing.
-bool Scan(const char* path) LYR_REQUIRES(GetGlobalDicoMutex()) {
+/// A folder that code has named, by its interned path.
+struct Folder {
+    const char* path;
+    Folder* next;
+};
+
+constinit Folder* folders LYR_GUARDED_BY(GetGlobalDicoMutex()) = nullptr;
+constinit std::atomic<bool> DictionaryInitialized = false;  // the files have been read
+
+/// The variable that lists directories between colons; null when it is not set.
+const char* ListedDirectories() {
+    return std::getenv("LYRDictionaryPath");
+}
+
+/// Whether there is nothing to read, by the environment's word or because nobody has named a place.
+bool MayReadNothing() LYR_REQUIRES(GetGlobalDicoMutex()) {
+    if (std::getenv("LYRDictionaryNoPathNoFallback") != nullptr) return true;
+    return ListedDirectories() == nullptr && folders == nullptr;
+}
+
+void ScanListedDirectories() LYR_REQUIRES(GetGlobalDicoMutex()) {
+    const char* const path = ListedDirectories();
+    if (path == nullptr) return;
+    std::string directories(path);
+    char* save = nullptr;
+    for (const char* directory = LYRSysTSStrtok(directories.data(), ":", &save);
+         directory != nullptr; directory = LYRSysTSStrtok(nullptr, ":", &save)) {
+        ScanDirectory(directory);
+    }
+}
+
+/// Reads all dictionary files. False when something was short on the way: what is registered stays,
+/// and a line may be missing.
+bool Scan() LYR_REQUIRES(GetGlobalDicoMutex()) {
     const unsigned before = shortages;
-    RefuseOnShortage(false, [=]() LYR_REQUIRES(GetGlobalDicoMutex()) {
+    RefuseOnShortage(false, []() LYR_REQUIRES(GetGlobalDicoMutex()) {
         const MetNames metNames;
-        std::string directories(path);
-        char* save = nullptr;
-        for (const char* directory = LYRSysTSStrtok(directories.data(), ":", &save);
-             directory != nullptr; directory = LYRSysTSStrtok(nullptr, ":", &save)) {
-            ScanDirectory(directory);
+        ScanListedDirectories();
+        for (const Folder* folder = folders; folder != nullptr; folder = folder->next) {
+            ScanDirectory(folder->path);
         }
         return true;
     });
     return shortages == before;
 }
 
-/// The directories that the environment names; null when it names none or forbids them.
-const char* DictionaryPath() {
-    if (std::getenv("LYRDictionaryNoPathNoFallback") != nullptr) return nullptr;
-    return std::getenv("LYRDictionaryPath");
-}
-
 /// EnsureDictionaryFilesAreRead, with what it has to say in `messages`.
 bool EnsureInSilence(std::vector<Message>& messages) {
-    static std::atomic<bool> DictionaryInitialized = false;
     if (DictionaryInitialized) return true;
     const MutexGuard guard(*GetGlobalDicoMutex());
     if (DictionaryInitialized) return true;
@@ -113,12 +135,11 @@ bool EnsureInSilence(std::vector<Message>& messages) {
     if (DictionaryTables::MetNames() != nullptr) return false;
     DictionaryTables::EnsureCleared();
     const KeepMessages keep(messages);
-    const char* const path = DictionaryPath();
-    if (path == nullptr) {
+    if (MayReadNothing()) {
         Say("Error in reading dictionaries : LYRDictionaryPath is not defined.\n");
         return true;
     }
-    if (!Scan(path)) return false;
+    if (!Scan()) return false;
     DictionaryInitialized.exchange(true);
     return true;
 }
@@ -136,6 +157,20 @@ bool IsFirstOfItsName(const char* name) {
     if (slot.link != nullptr) return false;
     head = new ReadFileLink{internedName, head};
     return true;
+}
+
+NamedFolder NameFolder(const char* path) {
+    const MutexGuard guard(*GetGlobalDicoMutex());
+    if (DictionaryInitialized || DictionaryTables::MetNames() != nullptr)
+        return NamedFolder::kTooLate;
+    const auto hang = [=]() LYR_REQUIRES(GetGlobalDicoMutex()) {
+        const char* const interned = InternText(path);
+        const auto slot =
+            FindSlot(folders, [=](const Folder& known) { return known.path == interned; });
+        if (slot.link == nullptr) *slot.place = new Folder{interned, nullptr};
+        return NamedFolder::kTaken;
+    };
+    return RefuseOnShortage(NamedFolder::kNoMemory, hang);
 }
 
 bool EnsureDictionaryFilesAreRead() {

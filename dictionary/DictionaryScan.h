@@ -9,6 +9,11 @@ namespace lyr::internal {
 /// short, or this very thread is reading them.
 bool EnsureDictionaryFilesAreRead();
 
+/// Takes a folder to be read after all others that are named by now. The path is absolute and fits
+/// into the string store.
+enum class NamedFolder { kTaken, kTooLate, kNoMemory };
+NamedFolder NameFolder(const char* path);
+
 /// Notes a file name that the running scan meets; false when it has met the name before. One that
 /// is too long for the string store is never noted. Throws std::bad_alloc.
 bool IsFirstOfItsName(const char* name) LYR_REQUIRES(GetGlobalDicoMutex());

@@ -60,7 +60,7 @@ static std::atomic<bool>& Flag(const std::string& name) {
 /// Sets the library back to where it was before its first use. Two flags are one-way, and are
 /// turned back by hand once everything is cleaned up.
 static void StartAnew() {
-    static auto &deleted = Flag("_DictionaryDeletedE"), &scanned = Flag("DictionaryInitialized");
+    static auto &deleted = Flag("_DictionaryDeletedE"), &scanned = Flag("DictionaryInitializedE");
     LYRSysTSDictionary::_DeleteDictionary();
     LYRSysTSDicoIIDName::_FreeDictionary();
     LYRSysTSDicoCLSIDName::_FreeDictionary();

@@ -1,5 +1,6 @@
 #include "LYRThrLibraryManager.h"
 
+#include "Folders.h"
 #include "LibraryFiles.h"
 #include "LoadedLibraries.h"
 #include "Loads.h"
@@ -85,6 +86,7 @@ public:
     }
     const char* Text() const { return _text; }
     bool MayPass() const { return _mayPass; }
+    bool IsOnlyMissing() const { return _onlyMissing; }
 
 private:
     char _text[kFailureSize];
@@ -100,6 +102,17 @@ private:
 [[gnu::noinline]] void* Open(const char* file) noexcept {
     void* (*volatile const open)(const char*, int) = &::dlopen;
     return open(file, RTLD_NOW | RTLD_LOCAL);
+}
+
+/// The handle of the first of the files that loads; null, with each failure noted, when none does.
+void* OpenFirst(lyr::internal::LibraryFiles&& files, Failure& failure) {
+    while (const char* const file = files.Next()) {
+        errno = 0;
+        if (void* handle = Open(file)) return handle;
+        const int error = errno;
+        failure.Note(error, LoaderWords(), file);
+    }
+    return nullptr;
 }
 
 /// Whether `address` lies in the library that `handle` stands for, and not in a dependency of it.
@@ -126,16 +139,16 @@ void* LYRThrLibraryManager::TryLoadLibrary(const char* name, bool& mayPass) {
         return known->handle;
     }
     const lyr::internal::Loads::Running running;
-    lyr::internal::LibraryFiles files(name);
     Failure failure;
-    while (const char* const file = files.Next()) {
-        errno = 0;
-        if (void* handle = Open(file)) {
-            lyr::internal::LoadedLibraries::Keep(name, handle);
-            return handle;
-        }
-        const int error = errno;
-        failure.Note(error, LoaderWords(), file);
+    void* handle = OpenFirst(lyr::internal::LibraryFiles(name), failure);
+    const lyr::internal::Folders::Folder* folder = lyr::internal::Folders::First();
+    for (; handle == nullptr && failure.IsOnlyMissing() && folder != nullptr;
+         folder = folder->next.load(std::memory_order_acquire)) {
+        handle = OpenFirst(lyr::internal::LibraryFiles(name, folder->path), failure);
+    }
+    if (handle != nullptr) {
+        lyr::internal::LoadedLibraries::Keep(name, handle);
+        return handle;
     }
     if (*failure.Text() == '\0') return Fail("the library's name is too long");
     mayPass = failure.MayPass();

@@ -38,17 +38,21 @@ const char* BaseOf(const char* name) {
 
 }  // namespace
 
-LibraryFiles::LibraryFiles(const char* name) : _name(name), _base(BaseOf(name)) {}
+LibraryFiles::LibraryFiles(const char* name, const char* folder)
+    : _name(name), _folder(folder), _base(BaseOf(name)) {}
 
 const char* LibraryFiles::Next() {
     const auto directory = static_cast<int>(_base - _name);
     const Name name{directory != 0, std::strncmp(_base, "lib", 3) == 0,
                     std::strstr(_base, ".so") != nullptr};
+    if (name.isPath && _folder != nullptr) return nullptr;
+    const char* const folder = _folder != nullptr ? _folder : "";
+    const char* const slash = _folder != nullptr ? "/" : "";
     while (_next < static_cast<int>(std::size(kForms))) {
         const Form& form = kForms[_next++];
         if (!form.applies(name)) continue;
-        const int length = std::snprintf(_file, sizeof _file, "%.*s%s%s%s", directory, _name,
-                                         form.prefix, _base, form.suffix);
+        const int length = std::snprintf(_file, sizeof _file, "%s%s%.*s%s%s%s", folder, slash,
+                                         directory, _name, form.prefix, _base, form.suffix);
         if (length >= 0 && length < kFileSize) return _file;
     }
     return nullptr;

@@ -2,6 +2,7 @@
 
 #include "LYRExport.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 
@@ -32,6 +33,20 @@ public:
     static void* GetFunctionAddress(const char* library, const char* symbol);
     /// The same; `mayPass` as above.
     static void* TryGetFunctionAddress(const char* library, const char* symbol, bool& mayPass);
+
+    /// Names a folder in which libraries are looked for where the dynamic loader finds none under
+    /// their name, so that neither a run path nor an environment variable is needed. Folders are
+    /// tried in the order of naming; a library whose name is a path is not looked for in them. A
+    /// folder that is not there is passed over. A relative one is taken as FolderOf does. False
+    /// when FolderOf fails, and when memory is out.
+    static bool AddFolder(const char* folder, const void* origin);
+
+    /// Writes the absolute path of a folder to `path`, which has room for `size` characters. A
+    /// relative one starts where the file lies, behind all links, to which `origin` belongs: the
+    /// address of a function or variable of the program or library that names the folder; with a
+    /// null `origin` in the current directory. False, with an empty path, for a null or empty
+    /// folder, for an address of no file, and where the room does not do.
+    static bool FolderOf(const char* folder, const void* origin, char* path, std::size_t size);
 
     /// A mark of this moment, for the next.
     static std::uint64_t MarkLoads();

@@ -21,6 +21,55 @@ TEST(DictionaryFiles, EveryRequestAsksAgainUntilThePathIsSetAndNotBanned) {
     ExpectErrors("", request);
 }
 
+TEST(DictionaryFiles, FoldersOfTheCodeComeBehindThoseOfTheUserAndBeforeTheFirstRequest) {
+    const TempDirectory users, own, later;
+    std::filesystem::create_directory(own.path + "/b: c");
+    users.Write("1.dicts", "C I Users\n");
+    std::ofstream(own.path + "/b: c/1.dicts") << "D I Hidden\n";
+    std::ofstream(own.path + "/b: c/2.dicts") << "C I Own\nD I Own\n";
+    later.Write("2.dicts", "F I Hidden\n");
+    later.Write("3.dicts", "E I Later\n");
+    const auto add = [](const std::string& folder, const void* origin = nullptr) {
+        return Dictionary::AddFolder(folder.c_str(), origin);
+    };
+    std::filesystem::current_path(own.path);
+    for (int i = 0; i < 2; ++i) EXPECT_EQ(add("b: c"), S_OK);
+    EXPECT_EQ(add(later.path), S_OK);
+    EXPECT_EQ(add(later.path + "/none"), S_OK);
+    static const int inThisFile = 0;
+    const int onTheStack = 0;
+    for (const auto& [folder, origin] :
+         {std::pair<const char*, const void*>("", &inThisFile), {"a", &onTheStack}}) {
+        const std::string errors = ErrorsOf([&] { EXPECT_EQ(add(folder, origin), E_FAIL); });
+        EXPECT_EQ(errors.find("lyr: there is no folder of dictionaries \"" + std::string(folder)),
+                  0U);
+    }
+    UseDictionaryPath(users.path);
+    ExpectErrors(kRefused, Dictionary::EnsureInitDictionary);
+    for (const auto& [name, entry] : {std::pair("C", "Users (null) (null)"),
+                                      {"D", "Own (null) (null)"},
+                                      {"E", "Later (null) (null)"},
+                                      {"F", "none"}}) {
+        EXPECT_EQ(Entry(name), entry);
+    }
+    const std::string tooLate = ErrorsOf([&] { EXPECT_EQ(add(users.path), E_FAIL); });
+    EXPECT_EQ(tooLate.find("lyr: the folder of dictionaries \"" + users.path + "\" comes too late"),
+              0U);
+}
+
+TEST(DictionaryFiles, AFolderOfTheCodeMakesThePathUnneededButTheUserMayForbidIt) {
+    const TempDirectory own;
+    own.Write("1.dicts", "C I Own\n");
+    EXPECT_EQ(Dictionary::AddFolder(own.path.c_str(), nullptr), S_OK);
+    ::unsetenv("LYRDictionaryPath");
+    ::setenv("LYRDictionaryNoPathNoFallback", "", 1);
+    EXPECT_NE(ErrorsOf(Dictionary::EnsureInitDictionary), "");
+    EXPECT_EQ(Entry("C"), "none");
+    ::unsetenv("LYRDictionaryNoPathNoFallback");
+    ExpectErrors("", Dictionary::EnsureInitDictionary);
+    EXPECT_EQ(Entry("C"), "Own (null) (null)");
+}
+
 TEST(DictionaryFiles, ALineMayHaveEachKeywordOnce) {
     const std::string keywords[] = {"ITFLEAF", "EXTENDED_BY"};
     const std::string entries[] = {"none", "L X Y", "L Y X", "none"};

@@ -1,5 +1,6 @@
 #include "LYRThrLibraryManager.h"
 
+#include <climits>
 #include <dlfcn.h>
 #include <filesystem>
 #include <future>
@@ -41,6 +42,52 @@ TEST(LYRThrLibraryManager, AllFormsOfANameReachOneFileAndNothingElseDoes) {
         EXPECT_FALSE(Manager::LoadLibrary(name));
         EXPECT_FALSE(Manager::GetFunctionAddress(name, "PlatformAnswer"));
     }
+}
+
+TEST(LYRThrLibraryManager, LooksIntoFoldersOfTheCodeWhereTheLoaderFindsNothing) {
+    const std::filesystem::path folder = IN_DIRECTORY("of: the code");
+    std::filesystem::create_directory(folder);
+    const auto put = [&](const char* library, const char* name) {
+        std::filesystem::copy_file(std::filesystem::path(LYR_TEST_LIBRARY_DIR) / library,
+                                   folder / name,
+                                   std::filesystem::copy_options::overwrite_existing);
+    };
+    put("libPlatformProvider.so", "libPlatformCoded.so");
+    put("libPlatformProvider.so", "libPlatformBroken.so");
+    put("libPlatformProvider.so", "libPlatformUser.so");
+    put("libPlatformBroken.so", "libPlatformCodedBroken.so");
+    EXPECT_FALSE(Manager::LoadLibrary("PlatformCoded"));
+    static const int inTheProgram = 0;
+    const int onTheStack = 0;
+    EXPECT_FALSE(Manager::AddFolder("of: the code", &onTheStack));
+    for (const char* none : {static_cast<const char*>(nullptr), ""}) {
+        EXPECT_FALSE(Manager::AddFolder(none, &inTheProgram));
+    }
+    const std::string fromProgram = std::filesystem::relative(
+        folder, std::filesystem::canonical("/proc/self/exe").parent_path());
+    EXPECT_TRUE(Manager::AddFolder("/no/such/folder", nullptr));
+    EXPECT_TRUE(Manager::AddFolder(fromProgram.c_str(), &inTheProgram));
+
+    for (const char* name : {"PlatformCoded", "libPlatformCoded.so"}) {
+        EXPECT_TRUE(Manager::GetFunctionAddress(name, "PlatformProvided")) << name;
+    }
+    EXPECT_FALSE(Manager::GetFunctionAddress("PlatformUser", "PlatformProvided"));
+    for (const char* broken : {"PlatformBroken", "PlatformCodedBroken"}) {
+        EXPECT_FALSE(Manager::LoadLibrary(broken));
+        EXPECT_NE(Manager::LastFailure().find("PlatformDefinedNowhere"), std::string::npos);
+    }
+    EXPECT_FALSE(Manager::LoadLibrary("nowhere/PlatformCoded"));
+
+    char path[64];
+    EXPECT_TRUE(Manager::FolderOf("/a", nullptr, path, 3));
+    EXPECT_STREQ(path, "/a");
+    EXPECT_FALSE(Manager::FolderOf("/ab", nullptr, path, 3));
+    EXPECT_STREQ(path, "");
+    // The function of a library starts from that library's file.
+    const void* const provided = Manager::GetFunctionAddress("PlatformCoded", "PlatformProvided");
+    char besides[PATH_MAX];
+    EXPECT_TRUE(Manager::FolderOf("x", provided, besides, sizeof besides));
+    EXPECT_EQ(besides, std::filesystem::canonical(folder) / "x");
 }
 
 TEST(LYRThrLibraryManager, AnAbsentFileDoesNotHideWhyAnotherDoesNotLoad) {
