@@ -11,7 +11,7 @@ set(development COMPONENT LYRComponentModel_Development)
 
 install(TARGETS LYRComponentModel LYRSysTS EXPORT LYRComponentModelTargets
     LIBRARY ${runtime} NAMELINK_${development})
-install(DIRECTORY include/ platform/include/
+install(DIRECTORY include/ platform/include/ kit/
     DESTINATION ${LYR_INSTALL_INCLUDEDIR} ${development}
     FILES_MATCHING PATTERN *.h)
 
