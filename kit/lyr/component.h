@@ -1,0 +1,179 @@
+#pragma once
+
+#include "LYRSysTSBOAInternal.h"
+#include "lyr/classobject.h"
+#include "lyr/object.h"
+
+/// @file
+/// Components: classes whose objects are asked for interfaces and made by name.
+
+/// Begins the class `Name`, whose body follows, in the one source that knows it:
+///
+///     LYR_COMPONENT(Greeter, IGreeter) {
+///         void Greet(const char* name) override { std::printf("Hello, %s!\n", name); }
+///     };
+///
+/// Behind the name stand the interfaces that the class inherits and implements, and options:
+/// lyr::From<Base>, lyr::OneThread, lyr::Inner, lyr::TiesOnly, LYR_CLASS_ID("..."). Members are
+/// public. `Component` names the base class that takes what the base component's constructor
+/// takes. Clients make objects with lyr::Create("Name"), this library also with lyr::Make<Name>.
+/// The name is unique in the process, whatever namespace the class is in.
+#define LYR_COMPONENT(...) LYR_KIT_COMPONENT(__VA_ARGS__, ::lyr::detail::End)
+#define LYR_KIT_COMPONENT(Class, ...) LYR_KIT_NAMED_COMPONENT(Class, Class, __VA_ARGS__)
+
+/// The same under another name than that of the C++ class: LYR_NAMED_COMPONENT(Part, MotorPart,
+/// ...).
+#define LYR_NAMED_COMPONENT(...) LYR_KIT_NAMED_COMPONENT(__VA_ARGS__, ::lyr::detail::End)
+#define LYR_KIT_NAMED_COMPONENT(Class, Name, ...)                                 \
+    LYR_KIT_TRAITS(Class, Name, ::lyr::detail::Kind::kComponent, "", __VA_ARGS__) \
+    LYR_KIT_OFFER(Class, Name)                                                    \
+    struct Class : ::lyr::detail::ComponentFor<LyrTraitsOf##Class>
+
+/// In two parts, for a base component: LYR_DECLARE_COMPONENT begins the class in a header, and
+/// LYR_DEFINE_COMPONENT(Name); in one source of its library offers it. A class of the second kind,
+/// also in another library, says lyr::From<Base> and lists what it adds.
+#define LYR_DECLARE_COMPONENT(...) LYR_KIT_DECLARE_COMPONENT(__VA_ARGS__, ::lyr::detail::End)
+#define LYR_KIT_DECLARE_COMPONENT(Class, ...)                                      \
+    LYR_KIT_TRAITS(Class, Class, ::lyr::detail::Kind::kComponent, "", __VA_ARGS__) \
+    struct LYR_EXPORT Class : ::lyr::detail::ComponentFor<LyrTraitsOf##Class>
+#define LYR_DEFINE_COMPONENT(Class) \
+    LYR_KIT_OFFER(Class, Class)     \
+    static_assert(true)
+
+// The class is still incomplete where these stand. What needs all of it is in templates, which
+// compilers instantiate at the end of the source.
+#define LYR_KIT_TRAITS(Class, Name, kind_, extended_, ...)                                   \
+    struct Class;                                                                            \
+    static_assert(::lyr::detail::IsClass<Class>(),                                           \
+                  "lyr: a component is no class template; write one for each of its types"); \
+    struct LyrTraitsOf##Class {                                                              \
+        using Arguments = ::lyr::detail::List<__VA_ARGS__>;                                  \
+        using Facts = ::lyr::detail::Facts<LyrTraitsOf##Class>;                              \
+        [[gnu::visibility("hidden")]] static constexpr char name[] = #Name;                  \
+        [[gnu::visibility("hidden")]] static constexpr char extended[] = extended_;          \
+        static constexpr ::lyr::detail::Kind kind = kind_;                                   \
+    };                                                                                       \
+    static_assert(::lyr::detail::CheckedClass<LyrTraitsOf##Class>::value);
+
+#define LYR_KIT_OFFER(Class, Name)                                                                \
+    LYR_KIT_RECORDS(Class, LyrTraitsOf##Class, LyrTraitsOf##Class::Facts::Answers, true)          \
+    LYR_KIT_ENTRIES(Class, Name, LyrTraitsOf##Class::Facts::Answers, ::lyr::detail::AnswerItself) \
+    LYR_KIT_CREATION(Class, Name, LyrTraitsOf##Class)
+
+// Each entry point is another name, made by the assembler, of a function that the compiler names.
+// The name is made of the interface's anchor and the class.
+#define LYR_KIT_ENTRIES(Class, Name, Interfaces, Answer)                                    \
+    template <class C, class I>                                                             \
+    struct LyrEntryOf##Class {                                                              \
+        [[gnu::used, gnu::noinline, gnu::visibility("hidden")]] static IUnknown* Make(      \
+            LYRSysTSBaseUnknown* object, unsigned char) {                                   \
+            __asm__ volatile(".globl %c0" #Name "\n\t.type %c0" #Name ", " LYR_KIT_FUNCTION \
+                             "\n\t.set %c0" #Name ", %c1"                                   \
+                             :                                                              \
+                             : LYR_KIT_ADDRESS(&::lyr::detail::OwnDescription<I>::anchor),  \
+                               LYR_KIT_ADDRESS(&LyrEntryOf##Class::Make));                  \
+            return Answer<C, I>(object);                                                    \
+        }                                                                                   \
+    };                                                                                      \
+    template <class C, class List>                                                          \
+    struct LyrEntriesOf##Class;                                                             \
+    template <class C, class... I>                                                          \
+    struct LyrEntriesOf##Class<C, ::lyr::detail::List<I...>> {                              \
+        [[gnu::used, gnu::visibility("hidden")]] static void Keep() {                       \
+            (static_cast<void>(&LyrEntryOf##Class<C, I>::Make), ...);                       \
+        }                                                                                   \
+    };                                                                                      \
+    template struct LyrEntriesOf##Class<Class, Interfaces>;
+
+#define LYR_KIT_CREATION(Class, Name, Traits)                                                     \
+    template <class C, bool isCreatable>                                                          \
+    struct LyrCreationOf##Class {};                                                               \
+    template <class C>                                                                            \
+    struct LyrCreationOf##Class<C, true> {                                                        \
+        [[gnu::used, gnu::noinline, gnu::visibility("hidden")]] static void* Make(void*) {        \
+            __asm__ volatile(".globl fctLYRSysTSCreate" #Name "\n\t.type fctLYRSysTSCreate" #Name \
+                             ", " LYR_KIT_FUNCTION "\n\t.set fctLYRSysTSCreate" #Name ", %c0"     \
+                             :                                                                    \
+                             : LYR_KIT_ADDRESS(&LyrCreationOf##Class::Make));                     \
+            return ::lyr::detail::CreateByName<C>();                                              \
+        }                                                                                         \
+    };                                                                                            \
+    template struct LyrCreationOf##Class<Class, Traits::Facts::kIsCreatable>;
+
+namespace lyr {
+inline namespace v1 {
+namespace detail {
+
+template <class>
+constexpr bool IsClass() {
+    return true;
+}
+template <template <class...> class>
+constexpr bool IsClass() {
+    return false;
+}
+
+/// Sentences about the list of a class; and about what it needs when its kind is another.
+template <class Traits>
+struct CheckedClass : CheckedInterfaces<typename Facts<Traits>::Interfaces> {
+    using Arguments = typename Traits::Arguments;
+    using Base = typename Facts<Traits>::Base;
+
+    static_assert(!std::is_same_v<typename Facts<Traits>::Interfaces, List<>> ||
+                      kContains<TiesOnly, Arguments> || Facts<Traits>::kHasBase,
+                  "lyr: the class lists no interface; list those that it implements behind its "
+                  "name, or lyr::TiesOnly when TIEs give them all");
+    static_assert(!IsExtension(Traits::kind) || IsNameList(Traits::extended),
+                  "lyr: an extension names the classes that it extends, in parentheses behind its "
+                  "own name: LYR_KEPT_EXTENSION(Layer, (Circle, Square), ILayer)");
+    static_assert(!IsExtension(Traits::kind) || Facts<Traits>::kClassId == nullptr,
+                  "lyr: an extension has no class id; nobody makes it but the request");
+    static_assert(!Facts<Traits>::kHasBase || !kContains<OneThread, Arguments>,
+                  "lyr: the base component says whether its objects have a lock; take "
+                  "lyr::OneThread out");
+    static constexpr bool value =
+        CheckedBases<typename Answered<typename Facts<Traits>::Interfaces>::Type>::value;
+};
+
+/// What makes the instances of an extension; null for a component.
+template <class C>
+constexpr LYRSysTSBaseUnknown* (*CreateOf())() {
+    if constexpr (IsExtension(C::LyrTraits::kind)) {
+        static_assert(Making::kHasDefault<C>,
+                      "lyr: an extension is made without arguments; give the class a constructor "
+                      "that takes none, public or with friend lyr::Making");
+        return []() -> LYRSysTSBaseUnknown* { return Making::Whole<C>::NewOrNull(); };
+    } else {
+        return nullptr;
+    }
+}
+
+/// The entry point of an interface that the class itself inherits.
+template <class C, class I>
+IUnknown* AnswerItself(LYRSysTSBaseUnknown* object) {
+    static_assert(Making::kIsComplete<C>,
+                  "lyr: the class does not implement every operation of the interfaces that it "
+                  "lists; override what is missing");
+    LYRSysTSBaseUnknown* const answer =
+        LYRSysTSBOAInternal::CreateBOA(object, C::MetaObject(), CreateOf<C>());
+    return static_cast<I*>(static_cast<C*>(answer));
+}
+
+/// The entry point that makes an object: one with a count of 1, or null.
+template <class C>
+void* CreateByName() {
+    static_assert(Making::kIsComplete<C>,
+                  "lyr: the class does not implement every operation of the interfaces that it "
+                  "lists; override what is missing");
+    static_assert(Making::kHasDefault<C>,
+                  "lyr: objects that are made by name are made without arguments; give the class a "
+                  "constructor that takes none, public or with friend lyr::Making, or list "
+                  "lyr::Inner and make them with lyr::Make");
+    if constexpr (C::LyrTraits::Facts::kClassId != nullptr) OfferClassObjects();
+    LYRSysTSBaseUnknown* const object = Making::Whole<C>::NewOrNull();
+    return static_cast<IUnknown*>(object);
+}
+
+}  // namespace detail
+}  // namespace v1
+}  // namespace lyr

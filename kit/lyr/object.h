@@ -1,0 +1,245 @@
+#pragma once
+
+#include "LYRSysTSBaseUnknown.h"
+#include "LYRSysTSFindOrCreateMetaObject.h"
+#include "LYRSysTSKnownIds.h"
+#include "LYRSysTSMetaClassExt.h"
+#include "lyr/failure.h"
+#include "lyr/options.h"
+#include "lyr/records.h"
+#include "lyr/ref.h"
+
+#include <cstddef>
+#include <new>
+#include <type_traits>
+#include <utility>
+
+namespace lyr {
+inline namespace v1 {
+
+/// Who makes objects. A class whose constructors are private says `friend lyr::Making;`.
+struct Making;
+
+namespace detail {
+
+/// The class is not handed to `new`, put on the stack or deleted: it is abstract until Making
+/// derives from it.
+template <class Base>
+class Foundation : public Base {
+protected:
+    using Base::Base;
+    Foundation() = default;
+    virtual ~Foundation() = default;  // NOLINT(modernize-use-override): not every base has one
+    Foundation(const Foundation&) = delete;
+    Foundation& operator=(const Foundation&) = delete;
+
+    static void* operator new(std::size_t size) { return ::operator new(size); }
+    static void* operator new(std::size_t size, std::align_val_t alignment) {
+        return ::operator new(size, alignment);
+    }
+    static void* operator new(std::size_t size, const std::nothrow_t& none) noexcept {
+        return ::operator new(size, none);
+    }
+    static void* operator new(std::size_t size, std::align_val_t alignment,
+                              const std::nothrow_t& none) noexcept {
+        return ::operator new(size, alignment, none);
+    }
+    static void operator delete(void* object) { ::operator delete(object); }
+    static void operator delete(void* object, std::align_val_t alignment) {
+        ::operator delete(object, alignment);
+    }
+
+private:
+    friend Making;
+    virtual void LyrMakesObjectsOfThisClass() = 0;
+};
+
+/// What the macros know of a class, worked out. `Traits` has its name, its kind, the text of the
+/// classes that it extends, and the list of its interfaces and options.
+template <class Traits>
+struct Facts {
+    using Arguments = typename Traits::Arguments;
+    using Interfaces = typename InterfacesOf<Arguments>::Type;
+    using Answers = typename Answered<Interfaces>::Type;
+    using Base = typename FindBase<Arguments>::Type;
+
+    static constexpr bool kHasBase = !std::is_void_v<Base>;
+    static constexpr bool kIsThreadSafe = !kContains<OneThread, Arguments>;
+    static constexpr bool kIsCreatable =
+        Traits::kind == Kind::kComponent && !kContains<Inner, Arguments>;
+    static constexpr const GUID* kClassId = FindClassId<Arguments>::value;
+
+    static constexpr LYRSysTSTypeOfClass Type() {
+        if (Traits::kind == Kind::kKeptExtension) return KeptExtension;
+        if (Traits::kind == Kind::kTransientExtension) return TransientExtension;
+        return ImplementationClass;
+    }
+    static constexpr const char* BaseName() {
+        if constexpr (kHasBase) {
+            return Base::LyrTraits::name;
+        } else {
+            return "-";
+        }
+    }
+};
+
+/// The one meta-object of a class. `extendedNames` has each name with a zero byte behind it, and
+/// one more at the end. All of them are there before anybody can ask.
+inline LYRSysTSMetaClass* DescribeClass(const char* name, LYRSysTSTypeOfClass type,
+                                        const GUID* clsid, LYRSysTSMetaClass* base,
+                                        const char* extendedNames) {
+    const char* const first = *extendedNames != '\0' ? extendedNames : nullptr;
+    LYRSysTSMetaClass* const made = LYRSysTSFindOrCreateMetaObject(name, type, clsid, base, first);
+    for (const char* next = extendedNames; *next != '\0';) {
+        LYRSysTSMetaClassExt::AddExtendedComponent(made, next);
+        while (*next++ != '\0') {
+        }
+    }
+    return made;
+}
+
+// Hidden, so that two libraries with classes of one name share nothing.
+template <class Traits, class Root>
+[[gnu::visibility("hidden")]] LYRSysTSMetaClass* MetaObjectOf() {
+    static constexpr auto extended = ExtendedNames<Traits>();
+    static LYRSysTSMetaClass* const meta =
+        DescribeClass(Traits::name, Facts<Traits>::Type(), Facts<Traits>::kClassId,
+                      Root::MetaObject(), extended.characters);
+    return meta;
+}
+
+/// A count that is 1 was 0 before: the object is being deleted. It keeps this count for good, so
+/// that a reference which is made and dropped meanwhile does not delete it again.
+template <class Root>
+std::uint32_t KeepFromDyingTwice(Root& object, bool isTransient) {
+    const std::uint32_t count = object.Root::AddRef();
+    // A transient extension has taken one more count of the object that it extends, too.
+    void* extended = nullptr;
+    if (isTransient && object.Root::QueryInterface(IID_IUnknown, &extended) == S_OK) {
+        static_cast<IUnknown*>(extended)->Release();
+        static_cast<IUnknown*>(extended)->Release();
+    }
+    return count;
+}
+
+template <class Traits, class Root, class Interfaces>
+class ComponentOf;
+
+/// The base of a class of components or extensions. One QueryInterface, AddRef and Release serve
+/// all of its interfaces.
+template <class Traits, class Root, class... I>
+class ComponentOf<Traits, Root, List<I...>> : public Root, public I... {
+public:
+    using LyrTraits = Traits;
+
+    HRESULT QueryInterface(const GUID& iid, void** out) override {
+        return Root::QueryInterface(iid, out);
+    }
+    std::uint32_t AddRef() override {
+        const std::uint32_t count = Root::AddRef();
+        if (count != 1) return count;
+        return KeepFromDyingTwice<Root>(*this, Traits::kind == Kind::kTransientExtension);
+    }
+    std::uint32_t Release() override { return Root::Release(); }
+
+    static LYRSysTSMetaClass* MetaObject() { return MetaObjectOf<Traits, Root>(); }
+    LYRSysTSMetaClass* GetMetaObject() const override { return MetaObject(); }
+
+protected:
+    using Component = ComponentOf;
+
+    using Root::Root;
+    ComponentOf() = default;
+};
+
+/// Of a class without a base component.
+template <bool isThreadSafe>
+class ComponentRoot : public Foundation<LYRSysTSBaseUnknown> {
+protected:
+    ComponentRoot() : Foundation(static_cast<unsigned char>(isThreadSafe ? 1 : 0)) {}
+};
+
+template <class Base, bool isThreadSafe>
+struct RootOf {
+    using Type = Base;
+};
+template <bool isThreadSafe>
+struct RootOf<void, isThreadSafe> {
+    using Type = ComponentRoot<isThreadSafe>;
+};
+
+template <class Traits>
+using ComponentFor =
+    ComponentOf<Traits,
+                typename RootOf<typename Facts<Traits>::Base, Facts<Traits>::kIsThreadSafe>::Type,
+                typename Facts<Traits>::Interfaces>;
+
+/// Whether the class is begun by one of the kit's macros; and what it is called then.
+template <class C, class = void>
+constexpr bool kIsComponent = false;
+template <class C>
+constexpr bool kIsComponent<C, std::void_t<typename C::LyrTraits>> = true;
+
+template <class C>
+constexpr const char* NameOfClass() {
+    if constexpr (kIsComponent<C>) {
+        return C::LyrTraits::name;
+    } else {
+        return "";
+    }
+}
+
+}  // namespace detail
+
+struct Making {
+    /// The class whose objects there really are.
+    template <class C>
+    class Whole final : public C {
+    public:
+        Whole() = default;
+
+        template <class... A>
+        static C* New(A&&... arguments) {
+            if constexpr (sizeof...(A) == 0) {
+                return new Whole;
+            } else {
+                return new Whole(Forwarding{}, std::forward<A>(arguments)...);
+            }
+        }
+        /// The same with the default constructor: null when that, or the lack of memory, throws.
+        static C* NewOrNull() {
+            if constexpr (std::is_nothrow_default_constructible_v<Whole>) {
+                return new (std::nothrow) Whole;
+            } else {
+                return static_cast<C*>(detail::MakeOrNull([]() -> void* { return New(); }));
+            }
+        }
+
+    private:
+        struct Forwarding {};
+        template <class... A>
+        explicit Whole(Forwarding, A&&... arguments) : C(std::forward<A>(arguments)...) {}
+        void LyrMakesObjectsOfThisClass() override {}
+    };
+
+    template <class C>
+    static constexpr bool kIsComplete = !std::is_abstract_v<Whole<C>>;
+    template <class C>
+    static constexpr bool kHasDefault = std::is_default_constructible_v<Whole<C>>;
+};
+
+/// A new object of a component class of this library, with the one count that the Ref holds. Throws
+/// what the constructor throws. The Ref converts to a Ref of each interface that the class lists.
+template <class C, class... A>
+[[nodiscard]] Ref<C> Make(A&&... arguments) {
+    static_assert(C::LyrTraits::kind == detail::Kind::kComponent,
+                  "lyr: an extension is made by the request for one of its interfaces; ask the "
+                  "extended object with As or TryAs");
+    static_assert(Making::kIsComplete<C>,
+                  "lyr: the class does not implement every operation of the interfaces that it "
+                  "lists; override what the next lines name");
+    return Take(Making::Whole<C>::New(std::forward<A>(arguments)...));
+}
+
+}  // namespace v1
+}  // namespace lyr
