@@ -42,17 +42,20 @@
 
 // The class is still incomplete where these stand. What needs all of it is in templates, which
 // compilers instantiate at the end of the source.
-#define LYR_KIT_TRAITS(Class, Name, kind_, extended_, ...)                                   \
-    struct Class;                                                                            \
-    static_assert(::lyr::detail::IsClass<Class>(),                                           \
-                  "lyr: a component is no class template; write one for each of its types"); \
-    struct LyrTraitsOf##Class {                                                              \
-        using Arguments = ::lyr::detail::List<__VA_ARGS__>;                                  \
-        using Facts = ::lyr::detail::Facts<LyrTraitsOf##Class>;                              \
-        [[gnu::visibility("hidden")]] static constexpr char name[] = #Name;                  \
-        [[gnu::visibility("hidden")]] static constexpr char extended[] = extended_;          \
-        static constexpr ::lyr::detail::Kind kind = kind_;                                   \
-    };                                                                                       \
+#define LYR_KIT_TRAITS(Class, Name, kind_, extended_, ...)                                     \
+    struct Class;                                                                              \
+    static_assert(::lyr::detail::IsClass<Class>(),                                             \
+                  "lyr: a component is no class template; write one for each of its types");   \
+    static_assert(#__VA_ARGS__[0] != '(',                                                      \
+                  "lyr: classes in parentheses are those that an extension extends; begin it " \
+                  "with LYR_KEPT_EXTENSION or LYR_TRANSIENT_EXTENSION");                       \
+    struct LyrTraitsOf##Class {                                                                \
+        using Arguments = ::lyr::detail::List<__VA_ARGS__>;                                    \
+        using Facts = ::lyr::detail::Facts<LyrTraitsOf##Class>;                                \
+        static constexpr char name[] = #Name;                                                  \
+        static constexpr char extended[] = extended_;                                          \
+        static constexpr ::lyr::detail::Kind kind = kind_;                                     \
+    };                                                                                         \
     static_assert(::lyr::detail::CheckedClass<LyrTraitsOf##Class>::value);
 
 #define LYR_KIT_OFFER(Class, Name)                                                                \
@@ -61,12 +64,13 @@
     LYR_KIT_CREATION(Class, Name, LyrTraitsOf##Class)
 
 // Each entry point is another name, made by the assembler, of a function that the compiler names.
-// The name is made of the interface's anchor and the class.
+// The name is made of the interface's anchor and the class. The function is hidden by an argument
+// that is, since an attribute would not fit a class in a namespace without a name.
 #define LYR_KIT_ENTRIES(Class, Name, Interfaces, Answer)                                    \
-    template <class C, class I>                                                             \
+    template <class C, class I, class>                                                      \
     struct LyrEntryOf##Class {                                                              \
-        [[gnu::used, gnu::noinline, gnu::visibility("hidden")]] static IUnknown* Make(      \
-            LYRSysTSBaseUnknown* object, unsigned char) {                                   \
+        [[gnu::used, gnu::noinline]] static IUnknown* Make(LYRSysTSBaseUnknown* object,     \
+                                                           unsigned char) {                 \
             __asm__ volatile(".globl %c0" #Name "\n\t.type %c0" #Name ", " LYR_KIT_FUNCTION \
                              "\n\t.set %c0" #Name ", %c1"                                   \
                              :                                                              \
@@ -75,22 +79,22 @@
             return Answer<C, I>(object);                                                    \
         }                                                                                   \
     };                                                                                      \
-    template <class C, class List>                                                          \
+    template <class C, class List, class>                                                   \
     struct LyrEntriesOf##Class;                                                             \
-    template <class C, class... I>                                                          \
-    struct LyrEntriesOf##Class<C, ::lyr::detail::List<I...>> {                              \
-        [[gnu::used, gnu::visibility("hidden")]] static void Keep() {                       \
-            (static_cast<void>(&LyrEntryOf##Class<C, I>::Make), ...);                       \
+    template <class C, class... I, class Hidden>                                            \
+    struct LyrEntriesOf##Class<C, ::lyr::detail::List<I...>, Hidden> {                      \
+        [[gnu::used]] static void Keep() {                                                  \
+            (static_cast<void>(&LyrEntryOf##Class<C, I, Hidden>::Make), ...);               \
         }                                                                                   \
     };                                                                                      \
-    template struct LyrEntriesOf##Class<Class, Interfaces>;
+    template struct LyrEntriesOf##Class<Class, Interfaces, ::lyr::detail::Hidden>;
 
 #define LYR_KIT_CREATION(Class, Name, Traits)                                                     \
-    template <class C, bool isCreatable>                                                          \
+    template <class C, bool isCreatable, class>                                                   \
     struct LyrCreationOf##Class {};                                                               \
-    template <class C>                                                                            \
-    struct LyrCreationOf##Class<C, true> {                                                        \
-        [[gnu::used, gnu::noinline, gnu::visibility("hidden")]] static void* Make(void*) {        \
+    template <class C, class Hidden>                                                              \
+    struct LyrCreationOf##Class<C, true, Hidden> {                                                \
+        [[gnu::used, gnu::noinline]] static void* Make(void*) {                                   \
             __asm__ volatile(".globl fctLYRSysTSCreate" #Name "\n\t.type fctLYRSysTSCreate" #Name \
                              ", " LYR_KIT_FUNCTION "\n\t.set fctLYRSysTSCreate" #Name ", %c0"     \
                              :                                                                    \
@@ -98,7 +102,7 @@
             return ::lyr::detail::CreateByName<C>();                                              \
         }                                                                                         \
     };                                                                                            \
-    template struct LyrCreationOf##Class<Class, Traits::Facts::kIsCreatable>;
+    template struct LyrCreationOf##Class<Class, Traits::Facts::kIsCreatable, ::lyr::detail::Hidden>;
 
 namespace lyr {
 inline namespace v1 {
@@ -113,26 +117,47 @@ constexpr bool IsClass() {
     return false;
 }
 
+/// What the base components of a class inherit, and what that derives from.
+template <class Base>
+struct AnsweredByBases {
+    using BaseFacts = typename Base::LyrTraits::Facts;
+    using Type = typename Joined<typename BaseFacts::Answers,
+                                 typename AnsweredByBases<typename BaseFacts::Base>::Type>::Type;
+};
+template <>
+struct AnsweredByBases<void> {
+    using Type = List<>;
+};
+
+template <class Interfaces, class Others>
+constexpr bool kShareOne = false;
+template <class... I, class Others>
+constexpr bool kShareOne<List<I...>, Others> = (false || ... || kContains<I, Others>);
+
 /// Sentences about the list of a class; and about what it needs when its kind is another.
 template <class Traits>
 struct CheckedClass : CheckedInterfaces<typename Facts<Traits>::Interfaces> {
     using Arguments = typename Traits::Arguments;
     using Base = typename Facts<Traits>::Base;
 
+    static_assert(!IsExtension(Traits::kind) || IsNameList(Traits::extended),
+                  "lyr: an extension names the classes that it extends, in parentheses behind its "
+                  "own name: LYR_KEPT_EXTENSION(Layer, (Circle, Square), ILayer)");
     static_assert(!std::is_same_v<typename Facts<Traits>::Interfaces, List<>> ||
                       kContains<TiesOnly, Arguments> || Facts<Traits>::kHasBase,
                   "lyr: the class lists no interface; list those that it implements behind its "
                   "name, or lyr::TiesOnly when TIEs give them all");
-    static_assert(!IsExtension(Traits::kind) || IsNameList(Traits::extended),
-                  "lyr: an extension names the classes that it extends, in parentheses behind its "
-                  "own name: LYR_KEPT_EXTENSION(Layer, (Circle, Square), ILayer)");
-    static_assert(!IsExtension(Traits::kind) || Facts<Traits>::kClassId == nullptr,
+    static_assert(!IsExtension(Traits::kind) || !Facts<Traits>::kHasClassId,
                   "lyr: an extension has no class id; nobody makes it but the request");
     static_assert(!Facts<Traits>::kHasBase || !kContains<OneThread, Arguments>,
                   "lyr: the base component says whether its objects have a lock; take "
                   "lyr::OneThread out");
-    static constexpr bool value =
-        CheckedBases<typename Answered<typename Facts<Traits>::Interfaces>::Type>::value;
+    static_assert(
+        !kShareOne<typename Facts<Traits>::Answers, typename AnsweredByBases<Base>::Type>,
+        "lyr: the base component answers one of these interfaces, or one that they derive "
+        "from; take it out, or give it by a TIE (LYR_TIE) that names what the base "
+        "answers in lyr::Without<...>");
+    static constexpr bool value = CheckedBases<typename Facts<Traits>::Answers>::value;
 };
 
 /// What makes the instances of an extension; null for a component.
@@ -169,7 +194,7 @@ void* CreateByName() {
                   "lyr: objects that are made by name are made without arguments; give the class a "
                   "constructor that takes none, public or with friend lyr::Making, or list "
                   "lyr::Inner and make them with lyr::Make");
-    if constexpr (C::LyrTraits::Facts::kClassId != nullptr) OfferClassObjects();
+    if constexpr (C::LyrTraits::Facts::kHasClassId) OfferClassObjects();
     LYRSysTSBaseUnknown* const object = Making::Whole<C>::NewOrNull();
     return static_cast<IUnknown*>(object);
 }

@@ -63,6 +63,9 @@ namespace detail {
 template <class... T>
 struct List {};
 
+/// Hides what a template makes of it.
+struct [[gnu::visibility("hidden")]] Hidden{};
+
 template <class Pointer>
 using Pointed = std::remove_pointer_t<Pointer>;
 

@@ -67,7 +67,16 @@ struct Facts {
     static constexpr bool kIsThreadSafe = !kContains<OneThread, Arguments>;
     static constexpr bool kIsCreatable =
         Traits::kind == Kind::kComponent && !kContains<Inner, Arguments>;
-    static constexpr const GUID* kClassId = FindClassId<Arguments>::value;
+    static constexpr bool kHasClassId = !std::is_void_v<typename FindClassId<Arguments>::Type>;
+
+    /// Null when the class has none.
+    static constexpr const GUID* ClassId() {
+        if constexpr (kHasClassId) {
+            return &FindClassId<Arguments>::Type::id;
+        } else {
+            return nullptr;
+        }
+    }
 
     static constexpr LYRSysTSTypeOfClass Type() {
         if (Traits::kind == Kind::kKeptExtension) return KeptExtension;
@@ -83,17 +92,22 @@ struct Facts {
     }
 };
 
-/// The one meta-object of a class. `extendedNames` has each name with a zero byte behind it, and
-/// one more at the end. All of them are there before anybody can ask.
-inline LYRSysTSMetaClass* DescribeClass(const char* name, LYRSysTSTypeOfClass type,
-                                        const GUID* clsid, LYRSysTSMetaClass* base,
-                                        const char* extendedNames) {
-    const char* const first = *extendedNames != '\0' ? extendedNames : nullptr;
-    LYRSysTSMetaClass* const made = LYRSysTSFindOrCreateMetaObject(name, type, clsid, base, first);
-    for (const char* next = extendedNames; *next != '\0';) {
-        LYRSysTSMetaClassExt::AddExtendedComponent(made, next);
-        while (*next++ != '\0') {
-        }
+/// The next of several texts that stand one behind the other.
+inline const char* NextText(const char* text) {
+    while (*text++ != '\0') {
+    }
+    return text;
+}
+
+/// The one meta-object of a class. `names` are those of NamesOf. All extended classes are named
+/// before anybody can ask.
+inline LYRSysTSMetaClass* DescribeClass(const char* names, LYRSysTSTypeOfClass type,
+                                        const GUID* clsid, LYRSysTSMetaClass* base) {
+    const char* extended = NextText(names);
+    const char* const first = *extended != '\0' ? extended : nullptr;
+    LYRSysTSMetaClass* const made = LYRSysTSFindOrCreateMetaObject(names, type, clsid, base, first);
+    for (; *extended != '\0'; extended = NextText(extended)) {
+        LYRSysTSMetaClassExt::AddExtendedComponent(made, extended);
     }
     return made;
 }
@@ -101,10 +115,9 @@ inline LYRSysTSMetaClass* DescribeClass(const char* name, LYRSysTSTypeOfClass ty
 // Hidden, so that two libraries with classes of one name share nothing.
 template <class Traits, class Root>
 [[gnu::visibility("hidden")]] LYRSysTSMetaClass* MetaObjectOf() {
-    static constexpr auto extended = ExtendedNames<Traits>();
-    static LYRSysTSMetaClass* const meta =
-        DescribeClass(Traits::name, Facts<Traits>::Type(), Facts<Traits>::kClassId,
-                      Root::MetaObject(), extended.characters);
+    static constexpr auto names = NamesOf<Traits>();
+    static LYRSysTSMetaClass* const meta = DescribeClass(
+        names.characters, Facts<Traits>::Type(), Facts<Traits>::ClassId(), Root::MetaObject());
     return meta;
 }
 
@@ -194,7 +207,7 @@ constexpr const char* NameOfClass() {
 struct Making {
     /// The class whose objects there really are.
     template <class C>
-    class Whole final : public C {
+    class Whole : public C {
     public:
         Whole() = default;
 

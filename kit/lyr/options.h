@@ -101,16 +101,16 @@ struct FindBase<List<From<Base>, Others...>> {
     using Type = Base;
 };
 
-/// A class without an id has a null one.
+/// A class without an id has void in its place.
 template <class Arguments>
 struct FindClassId {
-    static constexpr const GUID* value = nullptr;
+    using Type = void;
 };
 template <class T, class... Others>
 struct FindClassId<List<T, Others...>> : FindClassId<List<Others...>> {};
 template <std::uint64_t high, std::uint64_t low, bool isId, class... Others>
 struct FindClassId<List<ClassId<high, low, isId>, Others...>> {
-    static constexpr const GUID* value = &ClassId<high, low, isId>::id;
+    using Type = ClassId<high, low, isId>;
 };
 
 template <class I>

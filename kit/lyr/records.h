@@ -101,10 +101,13 @@ constexpr bool NextName(const char*& place, Writer& writer) {
     return true;
 }
 
-/// The names of such a text, each with a zero byte behind it, and one more at the end.
+/// The name of a class and those of the classes that it extends, each with a zero byte behind it,
+/// and one more at the end.
 template <class Traits>
 constexpr std::size_t WriteNames(char* out) {
     Writer writer(out);
+    writer.Put(Traits::name);
+    writer.Put('\0');
     const char* place = Traits::extended;
     while (NextName(place, writer)) writer.Put('\0');
     writer.Put('\0');
@@ -112,7 +115,7 @@ constexpr std::size_t WriteNames(char* out) {
 }
 
 template <class Traits>
-constexpr auto ExtendedNames() {
+constexpr auto NamesOf() {
     Text<WriteNames<Traits>(nullptr)> names{};
     WriteNames<Traits>(names.characters);
     return names;
@@ -159,8 +162,8 @@ constexpr void WriteClass(Writer& writer) {
     } else {
         BeginRecord(writer, "class");
         writer.Word(Traits::name);
-        if constexpr (Traits::Facts::kClassId != nullptr) {
-            writer.Word(*Traits::Facts::kClassId);
+        if constexpr (Traits::Facts::kHasClassId) {
+            writer.Word(*Traits::Facts::ClassId());
         } else {
             writer.Word("-");
         }

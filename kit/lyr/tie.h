@@ -27,7 +27,7 @@
     struct LyrTraitsOf##Tie {                                                                  \
         using Object = Class;                                                                  \
         using Arguments = ::lyr::detail::List<__VA_ARGS__>;                                    \
-        [[gnu::visibility("hidden")]] static constexpr char objectName[] = #Name;              \
+        static constexpr char objectName[] = #Name;                                            \
     };                                                                                         \
     static_assert(::lyr::detail::CheckedTie<LyrTraitsOf##Tie>::value);                         \
     LYR_KIT_RECORDS(Tie, Class::LyrTraits, ::lyr::detail::TieAnswers<LyrTraitsOf##Tie>, false) \
@@ -121,6 +121,8 @@ public:
 
 protected:
     TieOf() = default;
+    TieOf(const TieOf&) = delete;
+    TieOf& operator=(const TieOf&) = delete;
 
     /// The object behind the interface. Not in the constructor and the destructor.
     C& Object() const { return *static_cast<C*>(_object); }

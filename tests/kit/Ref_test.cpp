@@ -1,0 +1,133 @@
+#include "TestSupport.h"
+#include "Workshop.h"
+
+#include <utility>
+
+// 32 interfaces: more than anybody lists.
+#define LYR_FOR_EIGHT(DO, n) DO(n##0) DO(n##1) DO(n##2) DO(n##3) DO(n##4) DO(n##5) DO(n##6) DO(n##7)
+#define LYR_FOR_EACH(DO) \
+    LYR_FOR_EIGHT(DO, 1) LYR_FOR_EIGHT(DO, 2) LYR_FOR_EIGHT(DO, 3) LYR_FOR_EIGHT(DO, 4)
+#define LYR_INTERFACE_NUMBER(n)                                       \
+    struct I##n : IUnknown {                                          \
+        LYR_INTERFACE(I##n, "b0000000-0000-4000-8000-0000000000" #n); \
+        virtual int Number##n() = 0;                                  \
+    };
+LYR_FOR_EACH(LYR_INTERFACE_NUMBER)
+
+// What the dictionary does not know, and lyr::Make makes.
+LYR_COMPONENT(TestShape, lyr::OneThread, workshop::IPolygon, IColor) {
+    explicit TestShape(int corners = 3) : _corners(corners) {
+        ++living;
+    }
+    ~TestShape() override {
+        { const lyr::Ref<IColor> self = lyr::Share(this); }
+        --living;
+    }
+    int Corners() override {
+        return _corners;
+    }
+    int Diagonals() override {
+        return 0;
+    }
+    int Color() override {
+        return 1;
+    }
+    void SetColor(int) override {}
+
+    static inline int living = 0;
+    const int _corners;
+};
+
+LYR_COMPONENT(Many, lyr::Inner, I10, I11, I12, I13, I14, I15, I16, I17, I20, I21, I22, I23, I24,
+              I25, I26, I27, I30, I31, I32, I33, I34, I35, I36, I37, I40, I41, I42, I43, I44, I45,
+              I46, I47){
+#define LYR_NUMBER(n)          \
+    int Number##n() override { \
+        return n;              \
+    }
+    LYR_FOR_EACH(LYR_NUMBER)};
+
+namespace {
+
+std::uint32_t CountOf(IUnknown* object) {
+    object->AddRef();
+    return object->Release();
+}
+
+TEST(Ref, CountsOncePerRefAndDestroysOnce) {
+    lyr::Ref<TestShape> made = lyr::Make<TestShape>(5);
+    {
+        const lyr::Ref<IShape> shape = made;
+        const lyr::Ref<workshop::IPolygon> polygon = made;
+        const lyr::Ref<IShape> upwards = polygon;
+        EXPECT_EQ(CountOf(shape.Get()), 4U);
+        EXPECT_EQ(upwards->Corners(), 5);
+        EXPECT_EQ(shape, upwards);
+    }
+    lyr::Ref<IColor> color = std::move(made);
+    EXPECT_EQ(made, nullptr);
+    lyr::Ref<IColor>& same = color;
+    color = same;
+    color = std::move(same);
+    EXPECT_EQ(CountOf(color.Get()), 1U);
+    color = lyr::Ref<IColor>(color);
+    EXPECT_EQ(TestShape::living, 1);
+    color = nullptr;
+    EXPECT_EQ(TestShape::living, 0);
+}
+
+TEST(Ref, GivesOutAndTakesOverWithoutCounting) {
+    lyr::Ref<IColor> color = lyr::Make<TestShape>();
+    IColor* const raw = color.Detach();
+    EXPECT_EQ(color, nullptr);
+    EXPECT_EQ(CountOf(raw), 1U);
+    const auto shared = lyr::Share(raw);
+    EXPECT_EQ(CountOf(raw), 2U);
+    color = lyr::Take(raw);
+    EXPECT_EQ(CountOf(raw), 2U);
+    // What is filled gives back what it held.
+    lyr::Ref<IUnknown> unknown = lyr::Make<TestShape>().As<IUnknown>();
+    EXPECT_EQ(raw->QueryInterface(lyr::IdOf<IUnknown>(), unknown.Fill()), S_OK);
+    EXPECT_EQ(TestShape::living, 1);
+    EXPECT_TRUE(SameObject(unknown, color));
+    EXPECT_EQ(raw->QueryInterface(IID_INamed, unknown.Fill()), E_NOINTERFACE);
+    EXPECT_EQ(unknown, nullptr);
+}
+
+TEST(Ref, NullIsAskedWithoutHarm) {
+    const lyr::Ref<IShape> none;
+    EXPECT_FALSE(none);
+    EXPECT_EQ(none.TryAs<IColor>(), nullptr);
+    EXPECT_EQ(lyr::TryAs<IColor>(none.Get()), nullptr);
+    EXPECT_EQ(lyr::Take(none.Get()), lyr::Share(none.Get()));
+    EXPECT_TRUE(SameObject(none, lyr::Ref<IColor>()));
+    const lyr::Ref<IColor> some = lyr::Make<TestShape>();
+    EXPECT_FALSE(SameObject(none, some));
+    EXPECT_FALSE(SameObject(some, lyr::Make<TestShape>()));
+    EXPECT_EQ(sizeof some, sizeof(void*));
+}
+
+TEST(Component, HandsOutEachOf32Interfaces) {
+    const lyr::Ref<Many> many = lyr::Make<Many>();
+#define LYR_EXPECT_NUMBER(n)                         \
+    EXPECT_EQ(lyr::Ref<I##n>(many)->Number##n(), n); \
+    EXPECT_EQ(lyr::IdOf<I##n>().Data4[7], 0x##n) << lyr::NameOf<I##n>();
+    LYR_FOR_EACH(LYR_EXPECT_NUMBER)
+    EXPECT_EQ(CountOf(lyr::Ref<I47>(many).Get()), 2U);
+    EXPECT_STREQ(many->IsA(), "Many");
+}
+
+TEST(Component, RawCodeSeesAnObjectLikeAnyOther) {
+    UseDictionaryPath(LYR_KIT_DICTIONARY);
+    const auto square = lyr::Create<IShape>("Square");
+    void* out = nullptr;
+    ASSERT_EQ(square->QueryInterface(CLSID_LYRSysTSBaseUnknown, &out), S_OK);
+    auto* const base = static_cast<LYRSysTSBaseUnknown*>(static_cast<IUnknown*>(out));
+    EXPECT_STREQ(base->IsA(), "Square");
+    EXPECT_EQ(base->IsAKindOf("Shape"), 1);
+    EXPECT_EQ(*base->GetMetaObject()->GetClassId(), kSquareId);
+    EXPECT_EQ(CountOf(base), 2U);
+    base->Release();
+}
+
+}  // namespace
