@@ -163,7 +163,7 @@ struct CheckedClass : CheckedInterfaces<typename Facts<Traits>::Interfaces> {
 /// What makes the instances of an extension; null for a component.
 template <class C>
 constexpr LYRSysTSBaseUnknown* (*CreateOf())() {
-    if constexpr (IsExtension(C::LyrTraits::kind)) {
+    if constexpr (IsExtension(KindOf<C>())) {
         static_assert(Making::kHasDefault<C>,
                       "lyr: an extension is made without arguments; give the class a constructor "
                       "that takes none, public or with friend lyr::Making");

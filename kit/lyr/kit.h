@@ -13,4 +13,5 @@
 #include "lyr/interface.h"
 #include "lyr/options.h"
 #include "lyr/ref.h"
+#include "lyr/runtime.h"
 #include "lyr/tie.h"

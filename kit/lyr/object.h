@@ -194,6 +194,15 @@ template <class C>
 constexpr bool kIsComponent<C, std::void_t<typename C::LyrTraits>> = true;
 
 template <class C>
+constexpr Kind KindOf() {
+    if constexpr (kIsComponent<C>) {
+        return C::LyrTraits::kind;
+    } else {
+        return Kind::kComponent;
+    }
+}
+
+template <class C>
 constexpr const char* NameOfClass() {
     if constexpr (kIsComponent<C>) {
         return C::LyrTraits::name;
@@ -245,7 +254,7 @@ struct Making {
 /// what the constructor throws. The Ref converts to a Ref of each interface that the class lists.
 template <class C, class... A>
 [[nodiscard]] Ref<C> Make(A&&... arguments) {
-    static_assert(C::LyrTraits::kind == detail::Kind::kComponent,
+    static_assert(!detail::IsExtension(detail::KindOf<C>()),
                   "lyr: an extension is made by the request for one of its interfaces; ask the "
                   "extended object with As or TryAs");
     static_assert(Making::kIsComplete<C>,

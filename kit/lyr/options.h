@@ -1,5 +1,6 @@
 #pragma once
 
+#include "LYRSysTSBaseUnknown.h"
 #include "lyr/interface.h"
 
 #include <cstdint>

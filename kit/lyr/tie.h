@@ -91,10 +91,10 @@ struct CheckedTie : CheckedInterfaces<TieInterfaces<Traits>> {
 };
 
 /// The base of a TIE for an object of the class `C`.
-template <class I, class C>
+template <class Traits, class I, class C>
 class TieOf : public Foundation<I> {
 public:
-    using LyrObject = C;
+    using LyrTieTraits = Traits;
 
     HRESULT QueryInterface(const GUID& iid, void** out) override {
         return LYRSysTSTIEInternal::Tie_Query(_object, iid, out);
@@ -133,7 +133,7 @@ private:
 };
 
 template <class Traits>
-using TieFor = TieOf<typename Only<TieInterfaces<Traits>>::Type, typename Traits::Object>;
+using TieFor = TieOf<Traits, typename Only<TieInterfaces<Traits>>::Type, typename Traits::Object>;
 
 /// The entry point of an interface that the class `Tie` gives. The TIE is made first: when memory
 /// runs out, no new extension is left behind.
@@ -147,7 +147,7 @@ IUnknown* AnswerByTie(LYRSysTSBaseUnknown* object) {
                   "public or with friend lyr::Making");
     Tie* const tie = Making::Whole<Tie>::NewOrNull();
     if (tie == nullptr) return nullptr;
-    return tie->LyrTieTo(object, CreateOf<typename Tie::LyrObject>());
+    return tie->LyrTieTo(object, CreateOf<typename Tie::LyrTieTraits::Object>());
 }
 
 }  // namespace detail
