@@ -63,6 +63,7 @@
     LYR_KIT_ENTRIES(Class, Name, LyrTraitsOf##Class::Facts::Answers, ::lyr::detail::AnswerItself) \
     LYR_KIT_CREATION(Class, Name, LyrTraitsOf##Class)
 
+// NOLINTBEGIN(bugprone-macro-parentheses): what is given are names
 // Each entry point is another name, made by the assembler, of a function that the compiler names.
 // The name is made of the interface's anchor and the class. The function is hidden by an argument
 // that is, since an attribute would not fit a class in a namespace without a name.
@@ -103,6 +104,7 @@
         }                                                                                         \
     };                                                                                            \
     template struct LyrCreationOf##Class<Class, Traits::Facts::kIsCreatable, ::lyr::detail::Hidden>;
+// NOLINTEND(bugprone-macro-parentheses)
 
 namespace lyr {
 inline namespace v1 {
@@ -130,9 +132,9 @@ struct AnsweredByBases<void> {
 };
 
 template <class Interfaces, class Others>
-constexpr bool kShareOne = false;
+inline constexpr bool kShareOne = false;
 template <class... I, class Others>
-constexpr bool kShareOne<List<I...>, Others> = (false || ... || kContains<I, Others>);
+inline constexpr bool kShareOne<List<I...>, Others> = (false || ... || kContains<I, Others>);
 
 /// Sentences about the list of a class; and about what it needs when its kind is another.
 template <class Traits>

@@ -34,6 +34,8 @@ protected:                                                                      
 public:                                                                               \
     static_assert(true)
 
+// NOLINTBEGIN(bugprone-macro-parentheses): what is given are names
+
 /// Lets an interface that has a constant id join without being changed. Stands in the interface's
 /// own namespace, behind it and behind those for the interfaces that it derives from:
 ///
@@ -55,6 +57,7 @@ public:                                                                         
     [[gnu::visibility("hidden")]] static constexpr char name[] = #Name;    \
     [[gnu::visibility("hidden")]] static inline const char anchor __asm__( \
         "LYRSysTSCreate" #Name) = 0;
+// NOLINTEND(bugprone-macro-parentheses)
 
 namespace lyr {
 inline namespace v1 {

@@ -26,12 +26,14 @@ namespace detail {
 /// derives from it.
 template <class Base>
 class Foundation : public Base {
-protected:
-    using Base::Base;
-    Foundation() = default;
-    virtual ~Foundation() = default;  // NOLINT(modernize-use-override): not every base has one
+public:
     Foundation(const Foundation&) = delete;
     Foundation& operator=(const Foundation&) = delete;
+
+protected:
+    using Base::Base;
+    Foundation() = default;  // NOLINT(modernize-use-equals-delete): some bases take arguments
+    virtual ~Foundation() = default;  // NOLINT(modernize-use-override): not every base has one
 
     static void* operator new(std::size_t size) { return ::operator new(size); }
     static void* operator new(std::size_t size, std::align_val_t alignment) {
@@ -189,9 +191,9 @@ using ComponentFor =
 
 /// Whether the class is begun by one of the kit's macros; and what it is called then.
 template <class C, class = void>
-constexpr bool kIsComponent = false;
+inline constexpr bool kIsComponent = false;
 template <class C>
-constexpr bool kIsComponent<C, std::void_t<typename C::LyrTraits>> = true;
+inline constexpr bool kIsComponent<C, std::void_t<typename C::LyrTraits>> = true;
 
 template <class C>
 constexpr Kind KindOf() {

@@ -78,9 +78,9 @@ void ForEachAnswered(Action answer) {
 }
 
 template <class T, class = void>
-constexpr bool kIsTie = false;
+inline constexpr bool kIsTie = false;
 template <class T>
-constexpr bool kIsTie<T, std::void_t<typename T::LyrTieTraits>> = true;
+inline constexpr bool kIsTie<T, std::void_t<typename T::LyrTieTraits>> = true;
 
 template <class T>
 void LinkOne() {

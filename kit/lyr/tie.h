@@ -96,6 +96,9 @@ class TieOf : public Foundation<I> {
 public:
     using LyrTieTraits = Traits;
 
+    TieOf(const TieOf&) = delete;
+    TieOf& operator=(const TieOf&) = delete;
+
     HRESULT QueryInterface(const GUID& iid, void** out) override {
         return LYRSysTSTIEInternal::Tie_Query(_object, iid, out);
     }
@@ -121,8 +124,6 @@ public:
 
 protected:
     TieOf() = default;
-    TieOf(const TieOf&) = delete;
-    TieOf& operator=(const TieOf&) = delete;
 
     /// The object behind the interface. Not in the constructor and the destructor.
     C& Object() const { return *static_cast<C*>(_object); }

@@ -42,23 +42,26 @@ private:
 LYR_KEPT_EXTENSION(Naming, (Hexagon, Counts), lyr::TiesOnly) {
     const char* const name = "named from outside";
 };
-LYR_TIE(NamingTie, Naming, INamed){const char * Name() override{return Object().name;
-}
-}
-;
+LYR_TIE(NamingTie, Naming, INamed) {
+    const char* Name() override {
+        return Object().name;
+    }
+};
 
-LYR_COMPONENT(Hexagon, lyr::From<Shape>, workshop::IPolygon){int Corners() override{return 6;
-}
-int Diagonals() override {
-    return 9;
-}
-}
-;
+LYR_COMPONENT(Hexagon, lyr::From<Shape>, workshop::IPolygon) {
+    int Corners() override {
+        return 6;
+    }
+    int Diagonals() override {
+        return 9;
+    }
+};
 
-LYR_COMPONENT(AdditionCounts, ICounts){int Living() override{return lives::begun - lives::ended;
-}
-int Deleted() override {
-    return lives::ended;
-}
-}
-;
+LYR_COMPONENT(AdditionCounts, ICounts) {
+    int Living() override {
+        return lives::begun - lives::ended;
+    }
+    int Deleted() override {
+        return lives::ended;
+    }
+};

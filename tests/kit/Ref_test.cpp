@@ -40,12 +40,29 @@ LYR_COMPONENT(TestShape, lyr::OneThread, workshop::IPolygon, IColor) {
 
 LYR_COMPONENT(Many, lyr::Inner, I10, I11, I12, I13, I14, I15, I16, I17, I20, I21, I22, I23, I24,
               I25, I26, I27, I30, I31, I32, I33, I34, I35, I36, I37, I40, I41, I42, I43, I44, I45,
-              I46, I47){
+              I46, I47) {
 #define LYR_NUMBER(n)          \
     int Number##n() override { \
         return n;              \
     }
-    LYR_FOR_EACH(LYR_NUMBER)};
+    LYR_FOR_EACH(LYR_NUMBER)
+};
+
+// An interface without the kit over one of the kit's over one without; its chain is found.
+struct INotable : ITitled {
+    virtual int Notes() = 0;
+
+protected:
+    ~INotable() = default;
+};
+inline constexpr IID IID_INotable = LYR_ID("a1000000-0000-4000-8000-00000000000a");
+LYR_EXISTING_INTERFACE(INotable, IID_INotable);
+struct IMoreNotable : INotable {
+    LYR_INTERFACE(IMoreNotable, "a1000000-0000-4000-8000-00000000000B");
+};
+static_assert(std::is_same_v<lyr::detail::Chain<IMoreNotable>::Type,
+                             lyr::detail::List<IMoreNotable, INotable, ITitled, INamed>>);
+static_assert(lyr::IdOf<IMoreNotable>().Data4[7] == 11 && lyr::IdOf<INotable>().Data4[7] == 10);
 
 namespace {
 
@@ -65,7 +82,7 @@ TEST(Ref, CountsOncePerRefAndDestroysOnce) {
         EXPECT_EQ(shape, upwards);
     }
     lyr::Ref<IColor> color = std::move(made);
-    EXPECT_EQ(made, nullptr);
+    EXPECT_EQ(made, nullptr);  // NOLINT(bugprone-use-after-move): what it holds then
     lyr::Ref<IColor>& same = color;
     color = same;
     color = std::move(same);

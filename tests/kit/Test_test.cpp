@@ -15,14 +15,14 @@ LYR_COMPONENT(Lamp, IColor) {
 private:
     int _color = 1;
 };
-LYR_TIE(LampTitle, Lamp,
-        ITitled){const char * Name() override{return Object().Color() == 1 ? "lamp" : "?";
-}
-const char* Title() override {
-    return "The Lamp";
-}
-}
-;
+LYR_TIE(LampTitle, Lamp, ITitled) {
+    const char* Name() override {
+        return Object().Color() == 1 ? "lamp" : "?";
+    }
+    const char* Title() override {
+        return "The Lamp";
+    }
+};
 LYR_KEPT_EXTENSION(LampLayer, (Lamp), ILayer) {
     int Layer() override {
         return _layer;
@@ -35,18 +35,20 @@ private:
     int _layer = 0;
 };
 
-LYR_FAKE(FakeShape, workshop::IPolygon){int Corners() override{return -1;
-}
-int Diagonals() override {
-    return Object().IsAKindOf("Shape");
-}
-}
-;
-LYR_FAKE(FakeColor, IColor){int Color() override{return -2;
-}
-void SetColor(int) override {}
-}
-;
+LYR_FAKE(FakeShape, workshop::IPolygon) {
+    int Corners() override {
+        return -1;
+    }
+    int Diagonals() override {
+        return Object().IsAKindOf("Shape");
+    }
+};
+LYR_FAKE(FakeColor, IColor) {
+    int Color() override {
+        return -2;
+    }
+    void SetColor(int) override {}
+};
 
 namespace {
 

@@ -22,18 +22,19 @@ void Shape::SetColor(int color) {
 }
 
 /// Answers a chain of interfaces by itself, its base component's, and one by a TIE.
-LYR_COMPONENT(Square, LYR_CLASS_ID(kSquareId), lyr::From<Shape>, workshop::IPolygon){
-    Square() : Component(3){} ~Square() override{const lyr::Ref<IShape> self = lyr::Share(this);
-static_cast<void>(self.Get());
-}
-int Corners() override {
-    return 4;
-}
-int Diagonals() override {
-    return 2;
-}
-}
-;
+LYR_COMPONENT(Square, LYR_CLASS_ID(kSquareId), lyr::From<Shape>, workshop::IPolygon) {
+    Square() : Component(3) {}
+    ~Square() override {
+        const lyr::Ref<IShape> self = lyr::Share(this);
+        static_cast<void>(self.Get());
+    }
+    int Corners() override {
+        return 4;
+    }
+    int Diagonals() override {
+        return 2;
+    }
+};
 
 LYR_TIE(SquareTitle, Square, ITitled) {
     SquareTitle() = default;
@@ -51,14 +52,14 @@ LYR_TIE(SquareTitle, Square, ITitled) {
 
 namespace {
 
-LYR_COMPONENT(Counts, ICounts,
-              lyr::OneThread){int Living() override{return lives::begun - lives::ended;
-}
-int Deleted() override {
-    return lives::ended;
-}
-}
-;
+LYR_COMPONENT(Counts, ICounts, lyr::OneThread) {
+    int Living() override {
+        return lives::begun - lives::ended;
+    }
+    int Deleted() override {
+        return lives::ended;
+    }
+};
 
 LYR_COMPONENT(Failing, IShape) {
     Failing() {
@@ -88,12 +89,12 @@ private:
 };
 
 /// The dictionary's name is another one.
-LYR_NAMED_COMPONENT(Compass, StarMaker,
-                    IShape){int Corners() override{const lyr::Ref<Star> star = lyr::Make<Star>(5);
-const lyr::Ref<IShape> shape = star;
-return shape->Corners();
-}
-}
-;
+LYR_NAMED_COMPONENT(Compass, StarMaker, IShape) {
+    int Corners() override {
+        const lyr::Ref<Star> star = lyr::Make<Star>(5);
+        const lyr::Ref<IShape> shape = star;
+        return shape->Corners();
+    }
+};
 
 }  // namespace

@@ -1,0 +1,2 @@
+#include "IGreeter.h"
+int main() { lyr::Create<IGreeter>("Greeter")->Greet("world"); }
