@@ -7,7 +7,10 @@
 #include "LYRThrLibraryManager.h"
 #include "lyr/records.h"
 
+#include <cstdio>
 #include <cstdlib>
+#include <exception>
+#include <mutex>
 
 namespace lyr {
 inline namespace v1 {
@@ -45,6 +48,26 @@ std::string ClassOf(IUnknown* object) {
     base->Release();
     return text;
 }
+
+/// What the latest constructor that failed has thrown, for people to read. Nothing of it is made or
+/// destroyed, as other libraries' static objects may still make components.
+class LatestThrown {
+public:
+    void Set(const char* text) {
+        const std::lock_guard<std::mutex> guard(_mutex);
+        std::snprintf(_text, sizeof _text, "%s", text);
+    }
+    std::string Get() {
+        const std::lock_guard<std::mutex> guard(_mutex);
+        return _text;
+    }
+
+private:
+    std::mutex _mutex;
+    char _text[200] = "";
+};
+
+constinit LatestThrown latestThrown;
 
 /// What the dictionary has for the creation of a class by name. Texts are interned.
 struct Entry {
@@ -88,8 +111,11 @@ public:
         }
     }
     [[noreturn]] void ThrowNotMade() const {
+        const std::string thrown = latestThrown.Get();
         Throw(Reason::kNotMade, "the function that makes it gave no object",
-              "perhaps     a constructor has thrown, or memory is out");
+              thrown.empty()
+                  ? "perhaps     its library refuses, or memory is out"
+                  : "perhaps     its constructor; the latest that failed threw: " + thrown);
     }
 
 private:
@@ -149,9 +175,12 @@ void ThrowNotCreated(const GUID& clsid, const char* interfaceName, HRESULT resul
 void* MakeOrNull(void* (*make)()) noexcept {
     try {
         return make();
+    } catch (const std::exception& exception) {
+        latestThrown.Set(exception.what());
     } catch (...) {
-        return nullptr;
+        latestThrown.Set("what is no std::exception");
     }
+    return nullptr;
 }
 
 }  // namespace detail

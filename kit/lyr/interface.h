@@ -47,16 +47,18 @@ public:                                                                         
             static_cast<Name*>(nullptr), ::lyr::detail::Asking{}))>;      \
         LYR_KIT_DESCRIPTION(Name, id)                                     \
     };                                                                    \
-    LyrDescriptionOf##Name* LyrInterfaceOf(Name*, ::lyr::detail::Asking)
+    [[maybe_unused]] LyrDescriptionOf##Name* LyrInterfaceOf(Name*, ::lyr::detail::Asking)
 
 // The anchor has no use but its name in the assembler, of which the names of entry points are made:
 // those of base interfaces, which no macro sees, too. Hidden, so that the libraries of a process
-// share none of it.
-#define LYR_KIT_DESCRIPTION(Name, guid)                                    \
-    [[gnu::visibility("hidden")]] static constexpr ::GUID id = guid;       \
-    [[gnu::visibility("hidden")]] static constexpr char name[] = #Name;    \
-    [[gnu::visibility("hidden")]] static inline const char anchor __asm__( \
-        "LYRSysTSCreate" #Name) = 0;
+// share none of it; g++ warns where everything is hidden already, in a namespace without a name.
+#define LYR_KIT_DESCRIPTION(Name, guid)                                                  \
+    _Pragma("GCC diagnostic push") _Pragma("GCC diagnostic ignored \"-Wattributes\"")    \
+        [[maybe_unused, gnu::visibility("hidden")]] static constexpr ::GUID id = guid;   \
+    [[maybe_unused, gnu::visibility("hidden")]] static constexpr char name[] = #Name;    \
+    [[maybe_unused, gnu::visibility("hidden")]] static inline const char anchor __asm__( \
+        "LYRSysTSCreate" #Name) = 0;                                                     \
+    _Pragma("GCC diagnostic pop")
 // NOLINTEND(bugprone-macro-parentheses)
 
 namespace lyr {

@@ -3,14 +3,15 @@
 
 namespace {
 
-/// What `action` throws, as "reason result text" up to the end of the first line.
+/// What `action` throws, as "reason text" up to the end of the first line. `more` is the rest.
 template <class Action>
-std::string FailureOf(Action action) {
+std::string FailureOf(Action action, std::string* more = nullptr) {
     try {
         static_cast<void>(action());
     } catch (const lyr::Failure& failure) {
         const std::string text = failure.what();
         const bool failed = failure.Result() < 0;
+        if (more != nullptr) *more = text.substr(text.find('\n') + 1);
         return std::to_string(static_cast<int>(failure.Why())) + (failed ? " " : " ? ") +
                text.substr(0, text.find('\n'));
     }
@@ -52,6 +53,9 @@ TEST_F(FailureTest, ByNameSaysWhichItWas) {
               "5 lyr: no Failing is made: the function that makes it gave no object");
     EXPECT_EQ(create("StarMaker"), "1 lyr: no IColor for a StarMaker");
     EXPECT_EQ(create("Square"), "nothing");
+    std::string more;
+    FailureOf([] { return lyr::Create<IColor>("Failing"); }, &more);
+    EXPECT_EQ(more, "  perhaps     its constructor; the latest that failed threw: no luck today");
     // The object of the failed constructor was deleted once.
     EXPECT_EQ(lyr::Create<ICounts>("Counts")->Living(), 0);
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <atomic>
+#include <stdexcept>
 
 /// How many objects of a library there have been.
 namespace lives {
@@ -25,7 +26,7 @@ struct Life {
 /// Throws where that is possible.
 inline void FailOnPurpose() {
 #if defined(__cpp_exceptions)
-    throw 1;
+    throw std::runtime_error("no luck today");
 #endif
 }
 

@@ -50,3 +50,11 @@ modern=(-std=c++20 -O2 -fno-rtti -fno-exceptions -DNDEBUG)
 library Workshop Workshop.o Additions.o
 ln -sf libLyrTestWorkshop.so libLyrTestAdditions.so
 ./scenario | grep -v ' deleted ' | diff -u <(grep -v ' deleted ' "$here/expected-output.txt") -
+
+# What is written on the kit is not much more for the compiler than what is written by hand.
+lines() { "$compiler" "${flags[@]}" -std=c++17 -I"$tutorial/../support" -E "$1" | wc -l; }
+tutorial=$here/../../examples/tutorial
+for source in Greeter main; do
+    kit=$(lines "$here/greeter/$source.cpp") raw=$(lines "$tutorial/$source.cpp")
+    ((2 * kit <= 3 * raw)) || { echo "$source: $kit lines, by hand $raw" >&2; exit 1; }
+done
