@@ -29,6 +29,15 @@ eval "libs=($(pkg-config --libs LYRComponentModel))"
 "$compiler" -std=c++17 "${flags[@]}" "$source/main.cpp" "${libs[@]}" -o greet \
     -Wl,--disable-new-dtags "-Wl,-rpath,$libdir" "-Wl,-rpath,\$ORIGIN"
 LYRDictionaryPath=$source/dictionary ./greet | diff -u "$source/expected-output.txt" -
+
+# The same on the kit.
+kit=$source/../../tests/kit/greeter
+mkdir kit
+"$compiler" -std=c++17 -shared -fPIC "${flags[@]}" "$kit/Greeter.cpp" "${libs[@]}" -o kit/libGreeter.so
+"$compiler" -std=c++17 "${flags[@]}" "$kit/main.cpp" "${libs[@]}" -o kit/greet \
+    -Wl,--disable-new-dtags "-Wl,-rpath,$libdir" "-Wl,-rpath,\$ORIGIN"
+LYRDictionaryPath=$source/dictionary kit/greet | diff -u "$source/expected-output.txt" -
+
 echo 'int main() { return LYRVersion() != LYR_VERSION; }' >version.cpp
 "$compiler" -std=c++17 "${flags[@]}" -include LYRVersion.h version.cpp -o version \
     -Wl,--as-needed "${libs[@]}" -Wl,--enable-new-dtags "-Wl,-rpath,$libdir"
