@@ -120,15 +120,15 @@ constexpr bool IsClass() {
 }
 
 /// What the base components of a class inherit, and what that derives from.
-template <class Base>
+template <class Base, bool = kIsComponent<Base>>
 struct AnsweredByBases {
+    using Type = List<>;
+};
+template <class Base>
+struct AnsweredByBases<Base, true> {
     using BaseFacts = typename Base::LyrTraits::Facts;
     using Type = typename Joined<typename BaseFacts::Answers,
                                  typename AnsweredByBases<typename BaseFacts::Base>::Type>::Type;
-};
-template <>
-struct AnsweredByBases<void> {
-    using Type = List<>;
 };
 
 template <class Interfaces, class Others>
@@ -142,6 +142,10 @@ struct CheckedClass : CheckedInterfaces<typename Facts<Traits>::Interfaces> {
     using Arguments = typename Traits::Arguments;
     using Base = typename Facts<Traits>::Base;
 
+    static_assert(!Facts<Traits>::kHasBase || (kIsComponent<Base> && !IsExtension(KindOf<Base>()) &&
+                                               !IsExtension(Traits::kind)),
+                  "lyr: lyr::From names the base component of a component, a class that "
+                  "LYR_DECLARE_COMPONENT begins; an extension has none");
     static_assert(!IsExtension(Traits::kind) || IsNameList(Traits::extended),
                   "lyr: an extension names the classes that it extends, in parentheses behind its "
                   "own name: LYR_KEPT_EXTENSION(Layer, (Circle, Square), ILayer)");

@@ -63,6 +63,13 @@ refuse 'lyr: two of the listed interfaces derive from one base' "LYR_COMPONENT(C
 refuse 'lyr: the base component answers' \
     "LYR_COMPONENT(Base, IA) BODY_A; LYR_COMPONENT(C, lyr::From<Base>, IA1) { void A() override {} void A1() override {} };" \
     "LYR_COMPONENT(Base, IA) BODY_A; LYR_COMPONENT(C, lyr::From<Base>, IB) { void B() override {} };"
+base='LYR_KEPT_EXTENSION(X, (Y), IB) { void B() override {} }; LYR_COMPONENT(Base, IB) { void B() override {} };'
+refuse 'lyr: lyr::From names the base component' "$base LYR_COMPONENT(C, lyr::From<X>, IA) BODY_A;" \
+    "$base LYR_COMPONENT(C, lyr::From<Base>, IA) BODY_A;"
+refuse 'lyr: lyr::From names the base component' "struct S {}; LYR_COMPONENT(C, lyr::From<S>, IA) BODY_A;" \
+    "$base LYR_COMPONENT(C, lyr::From<Base>, IA) BODY_A;"
+refuse 'lyr: the base component says whether' "$base LYR_COMPONENT(C, lyr::OneThread, lyr::From<Base>, IA) BODY_A;" \
+    "$base LYR_COMPONENT(C, lyr::From<Base>, lyr::Inner, IA) BODY_A;"
 refuse 'lyr: the class lists no interface' 'LYR_COMPONENT(C) {};' 'LYR_COMPONENT(C, lyr::TiesOnly) {};'
 refuse 'lyr: the class does not implement every operation' 'LYR_COMPONENT(C, IA) {};' 'LYR_COMPONENT(C, IA) BODY_A;'
 refuse 'lyr: the class does not implement every operation' 'LYR_KEPT_EXTENSION(E, (C), IA) {};' \
