@@ -1,5 +1,5 @@
-# What `cmake --install` lays down: both libraries, the exported headers, the CMake package and the
-# pkg-config file. The tree may be moved afterwards. To run programs, the component
+# What `cmake --install` lays down: both libraries, the exported headers, the program `lyr`, the CMake
+# package and the pkg-config file. The tree may be moved afterwards. To run programs, the component
 # LYRComponentModel_Runtime is enough.
 include(CMakePackageConfigHelpers)
 
@@ -11,6 +11,9 @@ set(development COMPONENT LYRComponentModel_Development)
 
 install(TARGETS LYRComponentModel LYRSysTS EXPORT LYRComponentModelTargets
     LIBRARY ${runtime} NAMELINK_${development})
+if(TARGET lyr)
+    install(TARGETS lyr EXPORT LYRComponentModelTargets RUNTIME ${development})
+endif()
 install(DIRECTORY include/ platform/include/ kit/
     DESTINATION ${LYR_INSTALL_INCLUDEDIR} ${development}
     FILES_MATCHING PATTERN *.h)
@@ -23,6 +26,7 @@ configure_package_config_file(cmake/LYRComponentModelConfig.cmake.in
 write_basic_package_version_file(${PROJECT_BINARY_DIR}/LYRComponentModelConfigVersion.cmake
     COMPATIBILITY SameMajorVersion)
 install(FILES
+    cmake/LYRComponents.cmake
     ${PROJECT_BINARY_DIR}/LYRComponentModelConfig.cmake
     ${PROJECT_BINARY_DIR}/LYRComponentModelConfigVersion.cmake
     DESTINATION ${packageDir} ${development})

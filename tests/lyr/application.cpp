@@ -1,0 +1,5 @@
+#include "LYRComponentModel.h"
+
+int main() {
+    return LYRSysTSCreateExternalObject("Lamp", nullptr, nullptr) != nullptr ? 0 : 1;
+}

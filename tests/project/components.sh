@@ -1,0 +1,105 @@
+#!/bin/bash
+# components.sh <build directory> <compiler> <generator>: builds components and an application against
+# an installed, moved tree, in folders with blanks; breaks and mends them; installs, moves and runs
+# them. Then what is refused when a project is configured.
+set -euo pipefail
+here=$(cd "$(dirname "$0")" && pwd)
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+cmake --install "$1" --prefix "$work/installed" >/dev/null
+prefix="$work/the package"
+mv "$work/installed" "$prefix"
+source="$work/the source" build="$work/the build"
+cp -r "$here/../../examples/tutorial" "$source"
+cp -r "$here/../../examples/support" "$here"/components/* "$source"
+common=(-G "$3" "-DCMAKE_CXX_COMPILER=$2" "-DCMAKE_PREFIX_PATH=$prefix")
+dictionaries="$build/components/dictionary"
+
+configure() { cmake -S "$source" -B "$build" "${common[@]}" "$@"; }
+fail() {
+    echo "components.sh: $*" >&2
+    exit 1
+}
+
+# builds [text]: the build succeeds, and says the text on the way.
+builds() {
+    cmake --build "$build" >"$work/log" 2>&1 || { cat "$work/log"; fail "the build fails"; }
+    grep -qF -- "${1-}" "$work/log" || { cat "$work/log"; fail "nothing is said of $1"; }
+}
+
+# refuses <text> <command>...: the command fails and says the text, in one line or broken.
+refuses() {
+    local text=$1
+    shift
+    if "$@" >"$work/log" 2>&1; then fail "this is accepted, in spite of: $text"; fi
+    tr -s ' \n' ' ' <"$work/log" | grep -qF -- "$text" || { cat "$work/log"; fail "not said: $text"; }
+}
+
+# breaks <text>: the build fails until it is mended, not only once.
+breaks() {
+    refuses "$1" cmake --build "$build"
+    refuses "$1" cmake --build "$build"
+}
+
+configure
+builds "Writing the dictionary files of Greeter"
+ctest --test-dir "$build" --output-on-failure
+[[ $(ls "$dictionaries/Lamp") == $'libLamp.clsidts\nlibLamp.dicts\nlibLamp.iidts' ]]
+
+# A hand-written line that has changed is looked at, and a library that has, and lyr.
+cp "$source/dictionary/greeting.dicts" "$work/good"
+echo "Greeter IGreeter libLamp" >>"$source/dictionary/greeting.dicts"
+breaks "greeting.dicts:4: error: \"Greeter IGreeter libLamp\" contradicts \"Greeter IGreeter libGreeter\""
+[[ -z $(ls "$dictionaries/Greeter") ]] || fail "a failed build leaves dictionaries behind"
+cp "$work/good" "$source/dictionary/greeting.dicts"
+builds "Writing the dictionary files of Greeter"
+cp "$source/Lamp.cpp" "$work/good"
+sed -i 's/LYR_EXPORT//' "$source/Lamp.cpp"
+breaks "fctLYRSysTSCreateLamp, for making a Lamp, is hidden in libLamp.so"
+cp "$work/good" "$source/Lamp.cpp"
+builds "Writing the dictionary files of Lamp"
+builds
+! grep -qF "Writing" "$work/log" || fail "dictionaries are written again for no reason"
+touch "$prefix/bin/lyr"
+builds "Writing the dictionary files of Lamp"
+rm "$dictionaries/Lamp/libLamp.iidts"
+builds "Writing the dictionary files of Lamp"
+
+# Each library is sound, both together are not.
+sed -i 's/Lamp/Greeter/g' "$source/Lamp.cpp"
+breaks "\"Greeter CreateInterface libGreeter\" contradicts \"Greeter CreateInterface libLamp\""
+cp "$work/good" "$source/Lamp.cpp"
+builds "Comparing the component libraries of greet"
+
+# Installed and moved, with the first place gone, it names no folder of this machine.
+cmake --install "$build" --prefix "$work/first" >/dev/null
+mv "$work/first" "$work/moved to"
+mv "$build" "$work/gone" && mv "$prefix" "$work/package gone"
+libraries=$(dirname "$(find "$work/moved to" -name libGreeter.so)")
+[[ $(LYRDictionaryPath="$libraries/dictionary" "$work/moved to/bin/greet") == "Hello, world!" ]]
+! grep -rF "$work" "$work/moved to" || fail "an installed file names a folder of the build"
+mv "$work/gone" "$build" && mv "$work/package gone" "$prefix"
+
+[[ $3 == Ninja ]] || exit 0 # the generator makes no difference to what follows
+cross=(-DCMAKE_SYSTEM_NAME=Linux -DCMAKE_SYSTEM_PROCESSOR="$(uname -m)")
+refuses "this is a cross build, which needs one of the machine that builds." \
+    cmake -S "$source" -B "$work/cross" "${common[@]}" "${cross[@]}"
+cmake -S "$source" -B "$work/cross" "${common[@]}" "${cross[@]}" "-DLYR_PROGRAM=$prefix/bin/lyr"
+cmake --build "$work/cross"
+refuses "say -static, and a static program can't load component libraries" \
+    configure -DCMAKE_EXE_LINKER_FLAGS=-static
+refuses "BUILD_SHARED_LIBS is off, and the component model is not built as static libraries" \
+    cmake -S "$here/../.." -B "$work/static" "${common[@]}" -DBUILD_SHARED_LIBS=OFF
+
+# refuses_call <text> <line of CMake>
+refuses_call() {
+    cp "$here/components/CMakeLists.txt" "$source/CMakeLists.txt"
+    echo "$2" >>"$source/CMakeLists.txt"
+    refuses "$1" configure -DCMAKE_EXE_LINKER_FLAGS=
+}
+refuses_call 'lyr_add_component_library(New): "SORCES" is no argument of it; it takes SOURCES' \
+    'lyr_add_component_library(New SORCES Lamp.cpp)'
+refuses_call 'lyr_add_application(new): Lmap is no component library; add it before' \
+    'lyr_add_application(new SOURCES main.cpp COMPONENTS Lmap)'
+refuses_call 'lyr_test_environment(none): this directory has no test of that name' \
+    'lyr_test_environment(none)'
