@@ -1,11 +1,14 @@
 #include "inspection/EntryPoints.h"
 
 #include "inspection/LibraryNames.h"
+#include "inspection/NearNames.h"
 
 #include <algorithm>
+#include <deque>
 #include <map>
-#include <optional>
-#include <tuple>
+#include <string_view>
+#include <unordered_map>
+#include <unordered_set>
 #include <utility>
 
 namespace lyr::inspection {
@@ -38,13 +41,34 @@ std::string MangledIn(const LibraryFile& library, const std::string& symbol) {
     return {};
 }
 
+/// Exported functions of the same purpose with names like this one.
+std::string NearIn(const LibraryFile& library, const std::string& symbol) {
+    constexpr std::string_view kStem = "LYRSysTSCreate";
+    const std::size_t stem = symbol.find(kStem);
+    if (stem == std::string::npos) return {};
+    const std::string prefix = symbol.substr(0, stem + kStem.size());
+    std::vector<std::string> rests;
+    for (const std::string& name : library.exports) {
+        if (name.starts_with(prefix)) rests.push_back(name.substr(prefix.size()));
+    }
+    std::string text;
+    for (const std::string& rest : NearNames(symbol.substr(prefix.size()), rests)) {
+        text += (text.empty() ? "" : ", ") + prefix + rest;
+    }
+    return text;
+}
+
 class Checker {
 public:
     explicit Checker(const LibraryFile& library) : _library(library) {}
 
     void Require(const std::string& symbol, const std::string& what, const Place& place) {
-        if (_library.exports.contains(symbol)) return;
+        if (_library.exports.contains(symbol) || !_met.insert(symbol).second) return;
         _lacks[WayOf(symbol)].push_back({what, symbol, place});
+    }
+
+    bool IsOf(std::string_view libraryName) const {
+        return LeadsToLibraryFile(libraryName, _library.path);
     }
 
     /// One error for each way, however many functions: mostly they have one cause.
@@ -83,12 +107,43 @@ private:
             case Way::Missing:
                 break;
         }
-        return start + "missing in " + file +
-               "; perhaps its source is not linked in, or a name is not spelled as in the code";
+        const std::string near = NearIn(_library, lack.symbol);
+        if (!near.empty()) {
+            return start + "missing in " + file + ", which has " + near +
+                   "; perhaps a name is not spelled as in the code";
+        }
+        return start + "missing in " + file + "; perhaps its source is not linked in";
     }
 
     const LibraryFile& _library;
     std::map<Way, std::vector<Lack>> _lacks;
+    std::unordered_set<std::string> _met;
+};
+
+/// The checkers of some libraries, by the names that lines have for these.
+class Checkers {
+public:
+    explicit Checkers(const std::vector<Manifest>& manifests) {
+        for (const Manifest& manifest : manifests) _checkers.emplace_back(manifest.library);
+    }
+
+    /// Null for a name of none of the libraries.
+    Checker* Find(const std::string& libraryName) {
+        const auto [place, isNew] = _found.try_emplace(libraryName, nullptr);
+        if (!isNew) return place->second;
+        for (Checker& checker : _checkers) {
+            if (checker.IsOf(libraryName)) return place->second = &checker;
+        }
+        return nullptr;
+    }
+
+    void Tell(Findings& findings) const {
+        for (const Checker& checker : _checkers) checker.Tell(findings);
+    }
+
+private:
+    std::deque<Checker> _checkers;
+    std::unordered_map<std::string, Checker*> _found;
 };
 
 std::string WhatFor(const PairLine& line) {
@@ -108,21 +163,19 @@ EntryPoint EntryPointOf(const PairLine& line) {
 
 void CheckEntryPoints(const std::vector<Manifest>& manifests, const DictionaryLines& lines,
                       Findings& findings) {
-    for (const Manifest& manifest : manifests) {
-        const LibraryFile& library = manifest.library;
-        Checker checker(library);
-        for (const PairLine& line : lines.pairs) {
-            if (line.interfaceName == "MetaObject") continue;
-            if (!LeadsToLibraryFile(line.library, library.path)) continue;
-            checker.Require(EntryPointOf(line).Symbol(), WhatFor(line), line.place);
-        }
-        for (const ClassLine& line : lines.classes) {
-            if (!LeadsToLibraryFile(line.library, library.path)) continue;
-            checker.Require(kClassObjectFunction, "making a " + line.className + " by its id",
-                            line.place);
-        }
-        checker.Tell(findings);
+    Checkers checkers(manifests);
+    for (const PairLine& line : lines.pairs) {
+        Checker* const checker = checkers.Find(line.library);
+        if (checker == nullptr || line.interfaceName == "MetaObject") continue;
+        checker->Require(EntryPointOf(line).Symbol(), WhatFor(line), line.place);
     }
+    for (const ClassLine& line : lines.classes) {
+        Checker* const checker = checkers.Find(line.library);
+        if (checker == nullptr) continue;
+        checker->Require(kClassObjectFunction, "making a " + line.className + " by its id",
+                         line.place);
+    }
+    checkers.Tell(findings);
 }
 
 void CheckEntryPointNames(const DictionaryLines& lines, Findings& findings) {

@@ -96,9 +96,9 @@ without_randomisation=()
 # shellcheck disable=SC2034 # used by those that source this file
 if setarch -R true 2>/dev/null; then without_randomisation=(setarch -R); fi
 
-# build <preset>: configures and builds it in build/<preset>.
+# build <preset>: configures and builds it in build/<preset>, which runs programs of it.
 build() {
     say "Building $1"
     quietly cmake --preset "$1"
-    quietly cmake --build --preset "$1"
+    quietly "${without_randomisation[@]}" cmake --build --preset "$1"
 }

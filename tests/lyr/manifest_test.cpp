@@ -54,8 +54,7 @@ struct Fault {
 
 const Fault kFaults[] = {
     {.error = "libA.so: error: LYRSysTSCreateIShapeCircle, for IShape of Circle, is missing in "
-              "libA.so; perhaps its source is not linked in, or a name is not spelled as in the "
-              "code [no-entry-point]",
+              "libA.so; perhaps its source is not linked in [no-entry-point]",
      .functions = {"fctLYRSysTSCreateCircle"}},
     {.error = "libA.so: error: fctLYRSysTSCreateCircle, for making a Circle, is hidden in libA.so; "
               "have the version script or the visibility let it out [no-entry-point]\n"
@@ -140,6 +139,12 @@ const Fault kFaults[] = {
          "libA.so: note: first said here\n1 error\n",
      .line = "Circle IShape libB",
      .mendedLine = "Circle ICircle libB"},
+    {.error =
+         "by hand.dicts:1: error: LYRSysTSCreateIShapecircel, for IShape of circel, is missing "
+         "in libA.so, which has LYRSysTSCreateIShapeCircle; perhaps a name is not spelled as "
+         "in the code [no-entry-point]",
+     .line = "circel IShape libA",
+     .mendedLine = "Circle IShape libA"},
     {.error = "by hand.dicts:1: error: LYRSysTSCreateIFormSquare, for IShape of Square, is missing",
      .line = "Square IShape libA ITFLEAF IForm",
      .mendedLine = "Square IShape libA EXTENDED_BY Circle"},
