@@ -1,0 +1,102 @@
+#include "inspection/MissingFunctions.h"
+
+#include "inspection/LibraryNames.h"
+#include "inspection/NearNames.h"
+
+#include <algorithm>
+#include <cstddef>
+
+namespace lyr::inspection {
+
+namespace {
+
+/// The name of a C++ function at global scope, as far as its arguments.
+std::string MangledStart(const std::string& symbol) {
+    return "_Z" + std::to_string(symbol.size()) + symbol;
+}
+
+std::string MangledIn(const LibraryFile& library, const std::string& symbol) {
+    const std::string start = MangledStart(symbol);
+    std::string mangled;
+    for (const auto* names : {&library.exports, &library.inside}) {
+        for (const std::string& name : *names) {
+            // The first of several, so that one library gives one text.
+            const bool isFirst = mangled.empty() || name < mangled;
+            if (name.starts_with(start) && isFirst) mangled = name;
+        }
+    }
+    return mangled;
+}
+
+/// Exported functions of the same purpose with names like this one.
+std::string NearIn(const LibraryFile& library, const std::string& symbol) {
+    constexpr std::string_view kStem = "LYRSysTSCreate";
+    const std::size_t stem = symbol.find(kStem);
+    if (stem == std::string::npos) return {};
+    const std::string prefix = symbol.substr(0, stem + kStem.size());
+    std::vector<std::string> rests;
+    for (const std::string& name : library.exports) {
+        if (name.starts_with(prefix)) rests.push_back(name.substr(prefix.size()));
+    }
+    std::string text;
+    for (const std::string& rest : NearNames(symbol.substr(prefix.size()), rests)) {
+        text += (text.empty() ? "" : ", ") + prefix + rest;
+    }
+    return text;
+}
+
+}  // namespace
+
+bool MissingFunctions::AreOf(std::string_view libraryName) const {
+    return LeadsToLibraryFile(libraryName, _library.path);
+}
+
+void MissingFunctions::Require(const std::string& symbol, const std::string& what,
+                               const Place& place) {
+    if (_library.exports.contains(symbol) || !_met.insert(symbol).second) return;
+    _lacks[WayOf(symbol)].push_back({what, symbol, place});
+}
+
+void MissingFunctions::Tell(Findings& findings) const {
+    constexpr std::size_t kShown = 3;
+    for (const auto& [way, lacks] : _lacks) {
+        std::vector<Note> notes;
+        for (std::size_t i = 1; i < std::min(kShown, lacks.size()); ++i) {
+            notes.push_back(
+                {lacks[i].place, "so is " + lacks[i].symbol + ", for " + lacks[i].what});
+        }
+        if (lacks.size() > kShown) {
+            notes.push_back(
+                {{_library.path}, "and " + std::to_string(lacks.size() - kShown) + " more"});
+        }
+        findings.AddError(lacks[0].place, TextOf(way, lacks[0]), "no-entry-point", notes);
+    }
+}
+
+MissingFunctions::Way MissingFunctions::WayOf(const std::string& symbol) const {
+    if (_library.inside.contains(symbol)) return Way::Hidden;
+    return MangledIn(_library, symbol).empty() ? Way::Missing : Way::Mangled;
+}
+
+std::string MissingFunctions::TextOf(Way way, const Lack& lack) const {
+    const std::string start = lack.symbol + ", for " + lack.what + ", is ";
+    const std::string file = _library.path.substr(_library.path.rfind('/') + 1);
+    switch (way) {
+        case Way::Hidden:
+            return start + "hidden in " + file +
+                   "; have the version script or the visibility let it out";
+        case Way::Mangled:
+            return start + "not exported by " + file + ", which has " +
+                   MangledIn(_library, lack.symbol) + "; declare it extern \"C\"";
+        case Way::Missing:
+            break;
+    }
+    const std::string near = NearIn(_library, lack.symbol);
+    if (!near.empty()) {
+        return start + "missing in " + file + ", which has " + near +
+               "; perhaps a name is not spelled as in the code";
+    }
+    return start + "missing in " + file + "; perhaps its source is not linked in";
+}
+
+}  // namespace lyr::inspection

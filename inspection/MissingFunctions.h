@@ -1,0 +1,47 @@
+#pragma once
+
+#include "inspection/LibraryFile.h"
+
+#include <map>
+#include <string>
+#include <string_view>
+#include <unordered_set>
+#include <vector>
+
+namespace lyr::inspection {
+
+/// What is wanted of a library and not exported by it.
+class MissingFunctions {
+public:
+    /// The library outlives this object.
+    explicit MissingFunctions(const LibraryFile& library) : _library(library) {}
+
+    /// Whether a dictionary's library of that name is this one.
+    bool AreOf(std::string_view libraryName) const;
+
+    /// Notes that the function is missing, if it is: `what` tells the use of it, like "IShape of
+    /// Circle", `place` who wants it.
+    void Require(const std::string& symbol, const std::string& what, const Place& place);
+
+    /// Adds one error for each way to be missing, however many functions: mostly they have one
+    /// cause.
+    void Tell(Findings& findings) const;
+
+private:
+    /// A function that is missing, and what for.
+    struct Lack {
+        std::string what;
+        std::string symbol;
+        Place place;
+    };
+    enum class Way { Hidden, Mangled, Missing };
+
+    Way WayOf(const std::string& symbol) const;
+    std::string TextOf(Way way, const Lack& lack) const;
+
+    const LibraryFile& _library;
+    std::map<Way, std::vector<Lack>> _lacks;
+    std::unordered_set<std::string> _met;
+};
+
+}  // namespace lyr::inspection
