@@ -136,6 +136,10 @@ void AddManifest(CLI::App& program, Status& status) {
     command->add_option("--with", arguments->handWritten,
                         "Dictionary files written by hand, whose lines are added");
     command->add_flag("--check", arguments->checkOnly, "Writes nothing");
+    command->footer(
+        "Examples:\n"
+        "  lyr manifest build/libGreeter.so -o dictionary\n"
+        "  lyr manifest --check build/libGreeter.so build/libLamp.so --with old.dicts");
     command->final_callback([=, &status] {
         if (arguments->libraries.size() > 1 && !arguments->checkOnly) {
             throw CLI::ValidationError("LIBRARY", "several are looked at together with --check");
