@@ -250,6 +250,10 @@ function(_lyr_find_program result)
         message(FATAL_ERROR "The program lyr, which makes the dictionary files, is missing: ${why}. "
             "Install it, or name it: -D LYR_PROGRAM=<path>")
     endif()
+    if(NOT EXISTS "${LYR_PROGRAM}")
+        message(FATAL_ERROR "LYR_PROGRAM names \"${LYR_PROGRAM}\", which is not there; "
+            "it is the path of the program lyr")
+    endif()
     set(${result} ${LYR_PROGRAM} PARENT_SCOPE)
 endfunction()
 

@@ -91,6 +91,7 @@ void ReadSection(Elf* elf, Elf_Scn* section, std::string_view name, LibraryFile&
             if (IsExported(symbol)) library.exports.emplace(text);
         });
     } else if (type == SHT_SYMTAB) {
+        library.isStripped = false;
         ForEachDefinedSymbol(elf, section, [&](const GElf_Sym&, std::string_view text) {
             if (text.find("LYRSysTS") != std::string_view::npos) library.inside.emplace(text);
         });
@@ -141,7 +142,7 @@ std::optional<LibraryFile> ReadLibraryFile(const std::string& path, Findings& fi
         const ElfHandle elf(::elf_begin(file.Number(), ELF_C_READ, nullptr));
         if (elf == nullptr) FailWithElfsWords();
         RequireSharedLibrary(elf.get());
-        LibraryFile library{path, {}, {}, {}};
+        LibraryFile library{path, {}, {}, {}, true};
         ReadSections(elf.get(), library);
         return library;
     } catch (const Unreadable& unreadable) {

@@ -16,8 +16,10 @@ struct LibraryFile {
     std::vector<std::string> records;
     /// The names that other libraries and the loader find in it.
     std::unordered_set<std::string> exports;
-    /// Names with "LYRSysTS" in them that it defines and does not export. Empty for a stripped one.
+    /// Names with "LYRSysTS" in them that it defines and does not export, unless it is stripped.
     std::unordered_set<std::string> inside;
+    /// Whether it has nothing but what the loader needs.
+    bool isStripped = true;
 };
 
 /// Reads the file. None, with an error added, when it cannot be read or is no shared library.

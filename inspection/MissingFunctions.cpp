@@ -96,7 +96,8 @@ std::string MissingFunctions::TextOf(Way way, const Lack& lack) const {
         return start + "missing in " + file + ", which has " + near +
                "; perhaps a name is not spelled as in the code";
     }
-    return start + "missing in " + file + "; perhaps its source is not linked in";
+    return start + "missing in " + file + "; perhaps its source is not linked in" +
+           (_library.isStripped ? ", or it is hidden, which a stripped library does not tell" : "");
 }
 
 }  // namespace lyr::inspection

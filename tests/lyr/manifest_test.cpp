@@ -59,7 +59,7 @@ const Fault kFaults[] = {
     {.error = "libA.so: error: fctLYRSysTSCreateCircle, for making a Circle, is hidden in libA.so; "
               "have the version script or the visibility let it out [no-entry-point]\n"
               "libA.so: note: so is LYRSysTSCreateIShapeCircle, for IShape of Circle",
-     .options = "-Wl,--exclude-libs,ALL -fvisibility=hidden"},
+     .options = "-Wl,--version-script=hide.map"},
     {.error =
          "libA.so: error: LYRSysTSCreateIShapeCircle, for IShape of Circle, is not exported by "
          "libA.so, which has _Z26LYRSysTSCreateIShapeCirclePv; declare it extern \"C\" "
@@ -156,6 +156,7 @@ const Fault kFaults[] = {
 
 Outcome Try(const Workshop& shop, const Texts& records, const Texts& functions,
             const std::string& code, const std::string& options, const std::string& line) {
+    shop.Write("hide.map", "{ local: *; };");
     shop.Build("libA.so", records, functions, code, options);
     shop.Write("by hand.dicts", line + "\n");
     return shop.Lyr("manifest libA.so --with 'by hand.dicts'");
@@ -209,6 +210,9 @@ TEST(Manifest, AStrippedLibraryKeepsItsRecords) {
     const Workshop shop;
     shop.Build("libA.so", kCircle, kCircleFunctions, "", "-Wl,--gc-sections -s");
     EXPECT_EQ(shop.Lyr("manifest libA.so").text, "");
+
+    shop.Build("libA.so", kCircle, kCircleFunctions, "", "-fvisibility=hidden -s");
+    EXPECT_NE(shop.Lyr("manifest libA.so").text.find("or it is hidden"), std::string::npos);
 }
 
 TEST(Manifest, WhatIsNoLibraryIsNamedForWhatItIs) {

@@ -84,6 +84,8 @@ mv "$work/gone" "$build" && mv "$work/package gone" "$prefix"
 cross=(-DCMAKE_SYSTEM_NAME=Linux -DCMAKE_SYSTEM_PROCESSOR="$(uname -m)")
 refuses "this is a cross build, which needs one of the machine that builds." \
     cmake -S "$source" -B "$work/cross" "${common[@]}" "${cross[@]}"
+refuses "LYR_PROGRAM names \"/none/lyr\", which is not there" \
+    cmake -S "$source" -B "$work/cross" "${common[@]}" "${cross[@]}" -DLYR_PROGRAM=/none/lyr
 cmake -S "$source" -B "$work/cross" "${common[@]}" "${cross[@]}" "-DLYR_PROGRAM=$prefix/bin/lyr"
 cmake --build "$work/cross"
 refuses "say -static, and a static program can't load component libraries" \
