@@ -40,7 +40,7 @@ std::string NearIn(const LibraryFile& library, const std::string& symbol) {
     }
     std::string text;
     for (const std::string& rest : NearNames(symbol.substr(prefix.size()), rests)) {
-        text += (text.empty() ? "" : ", ") + prefix + rest;
+        text.append(text.empty() ? "" : ", ").append(prefix).append(rest);
     }
     return text;
 }

@@ -49,6 +49,7 @@ std::vector<std::string> NearNames(std::string_view name, const std::vector<std:
     std::sort(found.begin(), found.end());
     if (found.size() > 3) found.resize(3);
     std::vector<std::string> nearest;
+    nearest.reserve(found.size());
     for (auto& [distance, other] : found) nearest.push_back(std::move(other));
     return nearest;
 }
