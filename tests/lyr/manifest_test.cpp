@@ -134,6 +134,10 @@ const Fault kFaults[] = {
      .mendedRecords = {"lyr1 class A - -"},
      .mendedFunctions = {}},
     {.error =
+         "libA.so: error: its record \"lyr1 interface Circle IShape {1-2}\" is not understood; "
+         "build the library again [bad-record]",
+     .records = {"lyr1 interface Circle IShape {1-2}"}},
+    {.error =
          "by hand.dicts:1: error: \"Circle IShape libB\" contradicts \"Circle IShape libA\"; a "
          "class has an interface in one way, take one of them out [contradiction]\n"
          "libA.so: note: first said here\n1 error\n",

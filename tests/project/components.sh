@@ -62,6 +62,9 @@ builds
 ! grep -qF "Writing" "$work/log" || fail "dictionaries are written again for no reason"
 touch "$prefix/bin/lyr"
 builds "Writing the dictionary files of Lamp"
+sed -i 's# dictionary/greeting.iidts##' "$source/CMakeLists.txt"
+builds "Writing the dictionary files of Greeter"
+cp "$here/components/CMakeLists.txt" "$source/CMakeLists.txt"
 rm "$dictionaries/Lamp/libLamp.iidts"
 builds "Writing the dictionary files of Lamp"
 
