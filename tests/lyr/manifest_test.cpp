@@ -126,7 +126,7 @@ const Fault kFaults[] = {
      .functions = {"LYRSysTSCreateIOldCircle"},
      .mendedRecords = {},
      .mendedFunctions = {"LYRSysTSCreateIOldCircle"},
-     .mendedLine = "Circle IOld libA.so"},
+     .mendedLine = "Circle IOld A.so"},
     {.error = "libA.so: error: its record \"lyr2 class A\" is not understood; take the lyr that "
               "belongs to the headers which the library was built with [bad-record]",
      .records = {"lyr2 class A"},
@@ -142,12 +142,12 @@ const Fault kFaults[] = {
          "class has an interface in one way, take one of them out [contradiction]\n"
          "libA.so: note: first said here\n1 error\n",
      .line = "Circle IShape libB",
-     .mendedLine = "Circle ICircle libB"},
+     .mendedLine = "Circle IShape A"},
     {.error =
          "by hand.dicts:1: error: LYRSysTSCreateIShapecircel, for IShape of circel, is missing "
          "in libA.so, which has LYRSysTSCreateIShapeCircle; perhaps a name is not spelled as "
-         "in the code [no-entry-point]",
-     .line = "circel IShape libA",
+         "in the code [no-entry-point]\n1 error\n",
+     .line = "circel IShape libA\ncircel IShape A",
      .mendedLine = "Circle IShape libA"},
     {.error = "by hand.dicts:1: error: LYRSysTSCreateIFormSquare, for IShape of Square, is missing",
      .line = "Square IShape libA ITFLEAF IForm",

@@ -15,6 +15,7 @@ cp -r "$here/../../examples/support" "$here"/components/* "$source"
 common=(-G "$3" "-DCMAKE_CXX_COMPILER=$2" "-DCMAKE_PREFIX_PATH=$prefix")
 dictionaries="$build/components/dictionary"
 
+# configure [option...]
 configure() { cmake -S "$source" -B "$build" "${common[@]}" "$@"; }
 fail() {
     echo "components.sh: $*" >&2
@@ -41,7 +42,7 @@ breaks() {
     refuses "$1" cmake --build "$build"
 }
 
-configure
+configure -DCMAKE_BUILD_TYPE=Release
 builds "Writing the dictionary files of Greeter"
 ctest --test-dir "$build" --output-on-failure
 [[ $(ls "$dictionaries/Lamp") == $'libLamp.clsidts\nlibLamp.dicts\nlibLamp.iidts' ]]
