@@ -213,10 +213,6 @@ function(_lyr_add_check target)
     if(handWritten)
         list(APPEND arguments --with ${handWritten})
     endif()
-    # Make does not notice a changed command.
-    set(noted ${CMAKE_CURRENT_BINARY_DIR}/${target}.arguments)
-    set(text "${ARG_LIBRARIES} ${arguments}")
-    file(CONFIGURE OUTPUT ${noted} CONTENT "@text@\n" @ONLY)
     _lyr_find_program(program)
     set(all)
     if(ARG_ALL)
@@ -225,7 +221,7 @@ function(_lyr_add_check target)
     add_custom_command(OUTPUT ${ARG_OUTPUT}
         COMMAND ${program} manifest ${paths} ${arguments}
         ${ARG_THEN}
-        DEPENDS ${ARG_LIBRARIES} ${handWritten} ${noted} ${program}
+        DEPENDS ${ARG_LIBRARIES} ${handWritten} ${program}
         COMMENT ${ARG_COMMENT} VERBATIM)
     add_custom_target(${target} ${all} DEPENDS ${ARG_OUTPUT})
 endfunction()

@@ -81,6 +81,10 @@ mv "$work/first" "$work/moved to"
 mv "$build" "$work/gone" && mv "$prefix" "$work/package gone"
 libraries=$(dirname "$(find "$work/moved to" -name libGreeter.so)")
 [[ $(LYRDictionaryPath="$libraries/dictionary" "$work/moved to/bin/greet") == "Hello, world!" ]]
+echo '#include <dlfcn.h>
+int main(int, char** words) { return dlopen(words[1], RTLD_NOW) == nullptr; }' >"$work/host.cpp"
+"$2" "$work/host.cpp" -o "$work/host" -ldl
+"$work/host" "$libraries/libGreeter.so" || fail "a program of others can't load a component library"
 ! grep -rF "$work" "$work/moved to" || fail "an installed file names a folder of the build"
 mv "$work/gone" "$build" && mv "$work/package gone" "$prefix"
 
