@@ -38,12 +38,13 @@ TEST(DictionaryFiles, FoldersOfTheCodeComeBehindThoseOfTheUserAndBeforeTheFirstR
     EXPECT_EQ(add(later.path + "/none"), S_OK);
     static const int inThisFile = 0;
     const int onTheStack = 0;
-    for (const auto& [folder, origin] :
-         {std::pair<const char*, const void*>("", &inThisFile), {"a", &onTheStack}}) {
+    const auto expectUnknown = [&](const char* folder, const void* origin) {
         const std::string errors = ErrorsOf([&] { EXPECT_EQ(add(folder, origin), E_FAIL); });
         EXPECT_EQ(errors.find("lyr: there is no folder of dictionaries \"" + std::string(folder)),
                   0U);
-    }
+    };
+    expectUnknown("", &inThisFile);
+    expectUnknown("a", &onTheStack);
     UseDictionaryPath(users.path);
     ExpectErrors(kRefused, Dictionary::EnsureInitDictionary);
     for (const auto& [name, entry] : {std::pair("C", "Users (null) (null)"),
