@@ -96,7 +96,7 @@ void CheckPairs(const DictionaryLines& lines, const Names& told, Findings& findi
                             line.leaf == first.leaf && line.extension == first.extension;
         if (isFirst || isSame) continue;
         findings.AddError(line.place,
-                          "\"" + line.Text() + "\" contradicts \"" + first.Text() +
+                          std::string("\"") + line.Text() + "\" contradicts \"" + first.Text() +
                               "\"; a class has an interface in one way, take one of them out",
                           "contradiction", {FirstSaid(first.place)});
     }
@@ -138,7 +138,8 @@ std::string Contradiction(const ClassLine& line, const ClassLine& first) {
                first.clsid + "; take one of them out";
     }
     if (line.library == first.library) return {};
-    return "\"" + line.Text() + "\" contradicts \"" + first.Text() + "\"; take one of them out";
+    return std::string("\"") + line.Text() + "\" contradicts \"" + first.Text() +
+           "\"; take one of them out";
 }
 
 void CheckClassIds(const DictionaryLines& lines, const Names& told, Findings& findings) {
