@@ -10,6 +10,7 @@
 #include "support/Shortage.h"
 
 #include <cerrno>
+#include <climits>
 #include <cstdint>
 #include <cstdlib>
 #include <dirent.h>
@@ -80,13 +81,29 @@ void ScanDirectory(const std::string& directory) LYR_REQUIRES(GetGlobalDicoMutex
     }
 }
 
-/// A folder that code has named, by its interned path.
+/// A folder by its interned path.
 struct Folder {
     const char* path;
     Folder* next;
 };
 
-constinit Folder* folders LYR_GUARDED_BY(GetGlobalDicoMutex()) = nullptr;
+constinit Folder* folders LYR_GUARDED_BY(GetGlobalDicoMutex()) = nullptr;  // named by code
+constinit Folder* listed LYR_GUARDED_BY(GetGlobalDicoMutex()) = nullptr;  // by the user, and read
+
+/// The place of the folder in the chain.
+auto SlotOf(Folder*& chain, const char* interned) {
+    return FindSlot(chain, [=](const Folder& folder) { return folder.path == interned; });
+}
+
+/// Notes that the directory is being read, as code would name it: behind all links.
+void NoteListed(const char* directory) LYR_REQUIRES(GetGlobalDicoMutex()) {
+    char path[PATH_MAX];
+    if (::realpath(directory, path) == nullptr) return;
+    const char* const interned = InternText(path);
+    const auto slot = SlotOf(listed, interned);
+    if (slot.link == nullptr) *slot.place = new Folder{interned, nullptr};
+}
+
 constinit std::atomic<bool> DictionaryInitialized = false;  // the files have been read
 
 /// The variable that lists directories between colons; null when it is not set.
@@ -107,6 +124,7 @@ void ScanListedDirectories() LYR_REQUIRES(GetGlobalDicoMutex()) {
     char* save = nullptr;
     for (const char* directory = LYRSysTSStrtok(directories.data(), ":", &save);
          directory != nullptr; directory = LYRSysTSStrtok(nullptr, ":", &save)) {
+        NoteListed(directory);
         ScanDirectory(directory);
     }
 }
@@ -161,13 +179,14 @@ bool IsFirstOfItsName(const char* name) {
 
 NamedFolder NameFolder(const char* path) {
     const MutexGuard guard(*GetGlobalDicoMutex());
-    if (DictionaryInitialized || DictionaryTables::MetNames() != nullptr)
-        return NamedFolder::kTooLate;
+    const bool isTooLate = DictionaryInitialized || DictionaryTables::MetNames() != nullptr;
     const auto hang = [=]() LYR_REQUIRES(GetGlobalDicoMutex()) {
         const char* const interned = InternText(path);
-        const auto slot =
-            FindSlot(folders, [=](const Folder& known) { return known.path == interned; });
-        if (slot.link == nullptr) *slot.place = new Folder{interned, nullptr};
+        const auto slot = SlotOf(folders, interned);
+        if (slot.link != nullptr) return NamedFolder::kTaken;
+        if (SlotOf(listed, interned).link != nullptr) return NamedFolder::kTaken;
+        if (isTooLate) return NamedFolder::kTooLate;
+        *slot.place = new Folder{interned, nullptr};
         return NamedFolder::kTaken;
     };
     return RefuseOnShortage(NamedFolder::kNoMemory, hang);

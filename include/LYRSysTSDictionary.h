@@ -122,8 +122,8 @@ public:
     /// and the folders named before; as there, a file of which another has the name is passed over.
     /// Then that variable need not be set. A relative folder is one of the program or library that
     /// the address `origin` belongs to, as LYRThrLibraryManager::FolderOf says. S_OK, also for a
-    /// folder that is named already. E_FAIL, said on standard error, once the files have been read
-    /// or are being read, and when the folder cannot be told; E_FAIL when memory is out.
+    /// folder that is named already or has been read, at any time. For another E_FAIL, said on standard error,
+    /// once the files have been read or are being read, and when the folder cannot be told; E_FAIL when memory is out.
     static HRESULT AddFolder(const char* folder, const void* origin);
 
     /// For scandir: 1 for the name of a dictionary file, 0 for any other and for null.

@@ -29,6 +29,14 @@ bool StartOf(const void* origin, char (&start)[PATH_MAX]) {
     return true;
 }
 
+/// Puts the folder behind all links in the place of the path, if it is there.
+void FollowLinks(char* path, std::size_t size) {
+    char real[PATH_MAX];
+    if (::realpath(path, real) == nullptr) return;
+    const std::size_t length = std::strlen(real);
+    if (length < size) std::memcpy(path, real, length + 1);
+}
+
 }  // namespace
 
 bool LYRThrLibraryManager::FolderOf(const char* folder, const void* origin, char* path,
@@ -40,9 +48,12 @@ bool LYRThrLibraryManager::FolderOf(const char* folder, const void* origin, char
     const bool isAbsolute = *folder == '/';
     if (!isAbsolute && !StartOf(origin, start)) return false;
     const int length = std::snprintf(path, size, "%s%s%s", start, isAbsolute ? "" : "/", folder);
-    if (length >= 0 && static_cast<std::size_t>(length) < size) return true;
-    *path = '\0';
-    return false;
+    if (length < 0 || static_cast<std::size_t>(length) >= size) {
+        *path = '\0';
+        return false;
+    }
+    if (!isAbsolute) FollowLinks(path, size);
+    return true;
 }
 
 bool LYRThrLibraryManager::AddFolder(const char* folder, const void* origin) {

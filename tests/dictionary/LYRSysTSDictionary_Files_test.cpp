@@ -53,8 +53,10 @@ TEST(DictionaryFiles, FoldersOfTheCodeComeBehindThoseOfTheUserAndBeforeTheFirstR
                                       {"F", "none"}}) {
         EXPECT_EQ(Entry(name), entry);
     }
-    const std::string tooLate = ErrorsOf([&] { EXPECT_EQ(add(users.path), E_FAIL); });
-    EXPECT_EQ(tooLate.find("lyr: the folder of dictionaries \"" + users.path + "\" comes too late"),
+    ExpectErrors("", [&] { EXPECT_EQ(add("b: c/../b: c"), S_OK); });
+    ExpectErrors("", [&] { EXPECT_EQ(add(users.path), S_OK); });
+    const std::string tooLate = ErrorsOf([&] { EXPECT_EQ(add(own.path), E_FAIL); });
+    EXPECT_EQ(tooLate.find("lyr: the folder of dictionaries \"" + own.path + "\" comes too late"),
               0U);
 }
 
