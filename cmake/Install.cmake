@@ -27,6 +27,7 @@ write_basic_package_version_file(${PROJECT_BINARY_DIR}/LYRComponentModelConfigVe
     COMPATIBILITY SameMajorVersion)
 install(FILES
     cmake/LYRComponents.cmake
+    cmake/LYRFolders.cpp.in
     ${PROJECT_BINARY_DIR}/LYRComponentModelConfig.cmake
     ${PROJECT_BINARY_DIR}/LYRComponentModelConfigVersion.cmake
     DESTINATION ${packageDir} ${development})

@@ -1,36 +1,40 @@
 # Functions for those who build component libraries and applications that use them.
 #
-#   lyr_add_component_library(<name> SOURCES <source>... [DICTIONARIES <file>...] [BASE] [NO_INSTALL])
+#   lyr_add_component_library(<name> SOURCES <source>... [DICTIONARIES <file>...] [BASE] [PLUGIN]
+#                             [NO_INSTALL])
 #
 # A library lib<name>.so, which is loaded when something of it is asked for. The build writes its
 # dictionary files, out of the records in it and the lines of the DICTIONARIES, which are written by
 # hand and have any names that end in .dicts, .iidts or .clsidts. It fails, and leaves none behind,
 # when they contradict each other or what the library exports. BASE: other libraries link with it,
-# for the base classes in it.
+# for the base classes in it. PLUGIN: programs of others load it, and it finds the component
+# libraries and dictionaries beside it by itself.
 #
 #   lyr_add_application(<name> SOURCES <source>... [COMPONENTS <library>...] [WITH_RUNTIME]
 #                       [NO_INSTALL])
 #
-# A program that finds the component libraries through its run path, built and installed. The build
-# compares the COMPONENTS with each other, and fails when two of them contradict. WITH_RUNTIME
-# installs libLYRComponentModel and libLYRSysTS with it.
+# A program that finds the component libraries and their dictionaries by itself, in the build folder
+# and installed, wherever that tree is moved to. The build compares the COMPONENTS with each other,
+# and fails when two of them contradict. WITH_RUNTIME installs libLYRComponentModel and libLYRSysTS
+# with it.
 #
-#   lyr_test_environment(<test> [COMPONENTS <library>...])
+#   lyr_test_environment(<test>)
 #
-# Has the test of that name, in this directory, find dictionaries and libraries: those of the
-# COMPONENTS, or of all component libraries added before.
+# Has the test of that name, in this directory, find all component libraries of the build and their
+# dictionaries, before those that the user has set: for a program of others.
 #
-# Both kinds of targets are ordinary ones and can be changed as such. Variables, all with a default:
-#   LYR_COMPONENT_OUTPUT_DIR   where component libraries are built, "components" in the build folder
-#   LYR_COMPONENT_INSTALL_DIR  where they are installed, their dictionaries in "dictionary" there;
-#                              below the prefix, <lib>/<name of the top project>
+# Both kinds of targets are ordinary ones, but for the folders that they are built in, and can be
+# changed as such. Variables, all with a default:
+#   LYR_OUTPUT_DIR             where both are built, laid out as below the prefix: the build folder
+#   LYR_COMPONENT_INSTALL_DIR  where component libraries are installed, their dictionaries in
+#                              "dictionary" there; below the prefix, <lib>/<name of the top project>
 #   LYR_PROGRAM                the program `lyr` to use, where that of the package cannot run or is
 #                              missing: in a cross build one of the machine that builds
 cmake_policy(VERSION 3.25)
 
 function(lyr_add_component_library name)
-    cmake_parse_arguments(PARSE_ARGV 1 ARG "BASE;NO_INSTALL" "" "SOURCES;DICTIONARIES")
-    _lyr_check_call(lyr_add_component_library ${name} "SOURCES, DICTIONARIES, BASE, NO_INSTALL")
+    cmake_parse_arguments(PARSE_ARGV 1 ARG "BASE;PLUGIN;NO_INSTALL" "" "SOURCES;DICTIONARIES")
+    _lyr_check_call(lyr_add_component_library ${name} "SOURCES, DICTIONARIES, BASE, PLUGIN, NO_INSTALL")
     _lyr_find_folders()
     if(ARG_BASE)
         set(type SHARED)
@@ -44,15 +48,17 @@ function(lyr_add_component_library name)
         cmake_path(ABSOLUTE_PATH file BASE_DIRECTORY ${CMAKE_CURRENT_SOURCE_DIR} NORMALIZE)
         list(APPEND handWritten ${file})
     endforeach()
-    set(dictionary ${output}/dictionary/${name})
+    if(ARG_PLUGIN)
+        _lyr_name_folders(${name} . dictionary)
+    endif()
+    set(dictionary ${output}/${components}/dictionary)
     list(TRANSFORM suffixes PREPEND ${dictionary}/lib${name} OUTPUT_VARIABLE files)
+    set_property(GLOBAL APPEND PROPERTY LYR_DICTIONARIES ${files})
+    _lyr_build_in(${name} LIBRARY ${output}/${components})
     # Beside its own folder, where a base library or an extended class's library is.
     set_target_properties(${name} PROPERTIES
-        LIBRARY_OUTPUT_DIRECTORY ${output}
         INSTALL_RPATH "$ORIGIN;$ORIGIN/${componentsToLib}"
-        LYR_DICTIONARY "${dictionary}"
         LYR_HAND_WRITTEN "${handWritten}")
-    set_property(GLOBAL APPEND PROPERTY LYR_COMPONENT_LIBRARIES ${name})
 
     _lyr_add_check(${name}_dictionaries ALL
         COMMENT "Writing the dictionary files of ${name}"
@@ -73,13 +79,13 @@ function(lyr_add_application name)
     _lyr_find_folders()
     add_executable(${name} ${ARG_SOURCES})
     _lyr_set_up(${name})
-    # Component libraries are loaded on behalf of libLYRSysTS, where a run path of the new kind does
-    # not count.
-    target_link_options(${name} PRIVATE LINKER:--disable-new-dtags)
-    _lyr_find_properties(LIBRARY_OUTPUT_DIRECTORY libraries ${ARG_COMPONENTS})
+    _lyr_name_folders(${name} ${binToComponents} ${binToComponents}/dictionary)
+    _lyr_build_in(${name} RUNTIME ${output}/${bin})
+    # To the components only where the program itself is linked with one.
+    list(JOIN ARG_COMPONENTS | any)
+    set(linked "$<FILTER:$<TARGET_PROPERTY:${name},LINK_LIBRARIES>,INCLUDE,^(${any})$>")
     set_target_properties(${name} PROPERTIES
-        BUILD_RPATH "${libraries}"
-        INSTALL_RPATH "$ORIGIN/${binToComponents};$ORIGIN/${binToLib}")
+        INSTALL_RPATH "$ORIGIN/${binToLib};$<$<BOOL:${linked}>:$ORIGIN/${binToComponents}>")
 
     if(ARG_COMPONENTS)
         set(checked ${CMAKE_CURRENT_BINARY_DIR}/${name}-$<CONFIG>.checked)
@@ -94,30 +100,22 @@ function(lyr_add_application name)
     endif()
 
     if(NOT ARG_NO_INSTALL)
-        install(TARGETS ${name} RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+        install(TARGETS ${name} RUNTIME DESTINATION ${bin})
         if(ARG_WITH_RUNTIME)
-            _lyr_install_runtime()
+            _lyr_install_runtime(${lib})
         endif()
     endif()
 endfunction()
 
 function(lyr_test_environment test)
-    cmake_parse_arguments(PARSE_ARGV 1 ARG "" "" "COMPONENTS")
     if(NOT TEST ${test})
         message(FATAL_ERROR "lyr_test_environment(${test}): this directory has no test of that name")
     endif()
-    _lyr_check_components(lyr_test_environment ${test})
-    if(NOT ARG_COMPONENTS)
-        get_property(ARG_COMPONENTS GLOBAL PROPERTY LYR_COMPONENT_LIBRARIES)
-    endif()
-    _lyr_find_properties(LIBRARY_OUTPUT_DIRECTORY libraries ${ARG_COMPONENTS})
-    _lyr_find_properties(LYR_DICTIONARY dictionaries ${ARG_COMPONENTS})
-    list(JOIN libraries : libraries)
-    list(JOIN dictionaries : dictionaries)
+    _lyr_find_folders()
     set_property(TEST ${test} APPEND PROPERTY ENVIRONMENT_MODIFICATION
-        "LYRDictionaryPath=path_list_prepend:${dictionaries}"
+        "LYRDictionaryPath=path_list_prepend:${output}/${components}/dictionary"
         "LYRDictionaryNoPathNoFallback=unset:"
-        "LD_LIBRARY_PATH=path_list_prepend:${libraries}")
+        "LD_LIBRARY_PATH=path_list_prepend:${output}/${components}")
 endfunction()
 
 # What follows is for the functions above alone.
@@ -141,59 +139,94 @@ endmacro()
 
 macro(_lyr_check_components function name)
     foreach(component IN LISTS ARG_COMPONENTS)
-        set(dictionary NOTFOUND)
-        if(TARGET ${component})
-            get_target_property(dictionary ${component} LYR_DICTIONARY)
-        endif()
-        if(NOT dictionary)
+        if(NOT TARGET ${component}_dictionaries)
             message(FATAL_ERROR "${function}(${name}): ${component} is no component library; add "
                 "it before, with lyr_add_component_library(${component} ...)")
         endif()
     endforeach()
 endmacro()
 
-# Folders of the build and, relative to the prefix or each other, of the installation.
+# The folders `bin`, `lib` and `components` below the prefix, which are the same below `output`, and
+# the ways between them: what finds another file in one tree finds it in the other.
 macro(_lyr_find_folders)
     include(GNUInstallDirs)
     set(suffixes .dicts .iidts .clsidts)
-    set(output ${CMAKE_BINARY_DIR}/components)
-    if(LYR_COMPONENT_OUTPUT_DIR)
-        set(output ${LYR_COMPONENT_OUTPUT_DIR})
+    set(output ${CMAKE_BINARY_DIR})
+    if(LYR_OUTPUT_DIR)
+        set(output ${LYR_OUTPUT_DIR})
     endif()
     get_property(hasConfigurations GLOBAL PROPERTY GENERATOR_IS_MULTI_CONFIG)
     if(hasConfigurations)
         string(APPEND output /$<CONFIG>)
     endif()
-    set(components ${CMAKE_INSTALL_LIBDIR}/${CMAKE_PROJECT_NAME})
+    set(bin ${CMAKE_INSTALL_BINDIR})
+    set(lib ${CMAKE_INSTALL_LIBDIR})
+    set(components ${lib}/${CMAKE_PROJECT_NAME})
     if(LYR_COMPONENT_INSTALL_DIR)
         set(components ${LYR_COMPONENT_INSTALL_DIR})
     endif()
-    foreach(folder IN ITEMS CMAKE_INSTALL_LIBDIR CMAKE_INSTALL_BINDIR components)
-        cmake_path(ABSOLUTE_PATH ${folder} BASE_DIRECTORY ${CMAKE_INSTALL_PREFIX}
-            OUTPUT_VARIABLE full_${folder})
+    foreach(folder IN ITEMS bin lib components)
+        cmake_path(ABSOLUTE_PATH ${folder} BASE_DIRECTORY ${CMAKE_INSTALL_PREFIX} NORMALIZE)
+        cmake_path(IS_PREFIX CMAKE_INSTALL_PREFIX ${${folder}} NORMALIZE isBelow)
+        if(NOT isBelow)
+            message(FATAL_ERROR "Programs and component libraries find each other below one prefix; "
+                "${${folder}} is not below CMAKE_INSTALL_PREFIX, ${CMAKE_INSTALL_PREFIX}. Make "
+                "CMAKE_INSTALL_BINDIR, CMAKE_INSTALL_LIBDIR and LYR_COMPONENT_INSTALL_DIR relative")
+        endif()
+        file(RELATIVE_PATH ${folder} ${CMAKE_INSTALL_PREFIX} ${${folder}})
     endforeach()
-    file(RELATIVE_PATH binToLib ${full_CMAKE_INSTALL_BINDIR} ${full_CMAKE_INSTALL_LIBDIR})
-    file(RELATIVE_PATH binToComponents ${full_CMAKE_INSTALL_BINDIR} ${full_components})
-    file(RELATIVE_PATH componentsToLib ${full_components} ${full_CMAKE_INSTALL_LIBDIR})
+    file(RELATIVE_PATH binToLib /${bin} /${lib})
+    file(RELATIVE_PATH binToComponents /${bin} /${components})
+    file(RELATIVE_PATH componentsToLib /${components} /${lib})
+    _lyr_remove_old_dictionaries_later()
 endmacro()
 
 # What libraries and programs have in common. Hidden: what two libraries define under one name, such
-# as what is made of a template, stays apart.
+# as what is made of a template, stays apart. The run path is of the new kind: LD_LIBRARY_PATH
+# comes first.
 function(_lyr_set_up target)
     target_link_libraries(${target} PUBLIC LYR::ComponentModel)
+    target_link_options(${target} PRIVATE LINKER:--enable-new-dtags)
     set_target_properties(${target} PROPERTIES
         C_VISIBILITY_PRESET hidden CXX_VISIBILITY_PRESET hidden VISIBILITY_INLINES_HIDDEN ON)
 endfunction()
 
-# The different values that a property has in the targets.
-function(_lyr_find_properties property result)
-    set(values)
-    foreach(target IN LISTS ARGN)
-        get_target_property(value ${target} ${property})
-        list(APPEND values ${value})
+# Builds the target in the folder, in every configuration, whatever the project sets for others.
+function(_lyr_build_in target kind folder)
+    set_property(TARGET ${target} PROPERTY ${kind}_OUTPUT_DIRECTORY ${folder})
+    foreach(configuration IN LISTS CMAKE_CONFIGURATION_TYPES CMAKE_BUILD_TYPE)
+        string(TOUPPER ${configuration} configuration)
+        set_property(TARGET ${target} PROPERTY ${kind}_OUTPUT_DIRECTORY_${configuration} ${folder})
     endforeach()
-    list(REMOVE_DUPLICATES values)
-    set(${result} ${values} PARENT_SCOPE)
+endfunction()
+
+# Compiles into the target what names the two folders, relative to the target's file, as it loads.
+function(_lyr_name_folders name libraries dictionaries)
+    set(source ${CMAKE_CURRENT_BINARY_DIR}/${name}_folders.cpp)
+    configure_file(${CMAKE_CURRENT_FUNCTION_LIST_DIR}/LYRFolders.cpp.in ${source} @ONLY)
+    target_sources(${name} PRIVATE ${source})
+    set_source_files_properties(${source} PROPERTIES
+        SKIP_UNITY_BUILD_INCLUSION ON SKIP_PRECOMPILE_HEADERS ON SKIP_AUTOGEN ON)
+endfunction()
+
+# Has the dictionaries of libraries that the project builds no more removed once it is configured:
+# programs read all that lie there.
+function(_lyr_remove_old_dictionaries_later)
+    set(atTheEnd DEFER DIRECTORY ${CMAKE_SOURCE_DIR})
+    cmake_language(${atTheEnd} CANCEL_CALL lyr_old_dictionaries)
+    cmake_language(${atTheEnd} ID lyr_old_dictionaries CALL _lyr_remove_old_dictionaries)
+endfunction()
+
+function(_lyr_remove_old_dictionaries)
+    get_property(files GLOBAL PROPERTY LYR_DICTIONARIES)
+    foreach(file IN LISTS LYR_DICTIONARIES)
+        if(NOT file IN_LIST files)
+            string(REPLACE $<CONFIG> * pattern ${file})
+            file(GLOB old ${pattern})
+            file(REMOVE ${old})
+        endif()
+    endforeach()
+    set(LYR_DICTIONARIES "${files}" CACHE INTERNAL "The dictionary files that the build writes")
 endfunction()
 
 # A target that has `lyr manifest` look at libraries and what is written by hand for them, again
@@ -253,13 +286,13 @@ function(_lyr_find_program result)
     set(${result} ${LYR_PROGRAM} PARENT_SCOPE)
 endfunction()
 
-function(_lyr_install_runtime)
+function(_lyr_install_runtime folder)
     get_target_property(isImported LYR::ComponentModel IMPORTED)
     if(isImported)
         install(IMPORTED_RUNTIME_ARTIFACTS LYR::ComponentModel LYR::SysTS
-            LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
+            LIBRARY DESTINATION ${folder})
     else()
         install(TARGETS LYRComponentModel LYRSysTS
-            LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} NAMELINK_SKIP)
+            LIBRARY DESTINATION ${folder} NAMELINK_SKIP)
     endif()
 endfunction()

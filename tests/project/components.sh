@@ -3,6 +3,7 @@
 # an installed, moved tree, in folders with blanks; breaks and mends them; installs, moves and runs
 # them. Then what is refused when a project is configured.
 set -euo pipefail
+unset LYRDictionaryPath LYRDictionaryNoPathNoFallback LD_LIBRARY_PATH
 here=$(cd "$(dirname "$0")" && pwd)
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
@@ -13,10 +14,10 @@ source="$work/the source" build="$work/the build"
 cp -r "$here/../../examples/tutorial" "$source"
 cp -r "$here/../../examples/support" "$here"/components/* "$source"
 common=(-G "$3" "-DCMAKE_CXX_COMPILER=$2" "-DCMAKE_PREFIX_PATH=$prefix")
-dictionaries="$build/components/dictionary"
+dictionaries="$build/lib/Greeting/dictionary"
 
 # configure [option...]
-configure() { cmake -S "$source" -B "$build" "${common[@]}" "$@"; }
+configure() { cmake -S "$source" -B "$build" "${common[@]}" -DCMAKE_INSTALL_LIBDIR=lib "$@"; }
 fail() {
     echo "components.sh: $*" >&2
     exit 1
@@ -45,13 +46,13 @@ breaks() {
 configure -DCMAKE_BUILD_TYPE=Release
 builds "Writing the dictionary files of Greeter"
 ctest --test-dir "$build" --output-on-failure
-[[ $(ls "$dictionaries/Lamp") == $'libLamp.clsidts\nlibLamp.dicts\nlibLamp.iidts' ]]
+[[ $(cd "$dictionaries" && echo libLamp.*) == "libLamp.clsidts libLamp.dicts libLamp.iidts" ]]
 
 # A hand-written line that has changed is looked at, and a library that has, and lyr.
 cp "$source/dictionary/greeting.dicts" "$work/good"
 echo "Greeter IGreeter libLamp" >>"$source/dictionary/greeting.dicts"
 breaks "greeting.dicts:4: error: \"Greeter IGreeter libLamp\" contradicts \"Greeter IGreeter libGreeter\""
-[[ -z $(ls "$dictionaries/Greeter") ]] || fail "a failed build leaves dictionaries behind"
+[[ -z $(find "$dictionaries" -name "libGreeter.*") ]] || fail "a failed build leaves dictionaries behind"
 cp "$work/good" "$source/dictionary/greeting.dicts"
 builds "Writing the dictionary files of Greeter"
 cp "$source/Lamp.cpp" "$work/good"
@@ -66,7 +67,7 @@ builds "Writing the dictionary files of Lamp"
 sed -i 's# dictionary/greeting.iidts##' "$source/CMakeLists.txt"
 builds "Writing the dictionary files of Greeter"
 cp "$here/components/CMakeLists.txt" "$source/CMakeLists.txt"
-rm "$dictionaries/Lamp/libLamp.iidts"
+rm "$dictionaries/libLamp.iidts"
 builds "Writing the dictionary files of Lamp"
 
 # Each library is sound, both together are not.
@@ -75,18 +76,68 @@ breaks "\"Greeter CreateInterface libGreeter\" contradicts \"Greeter CreateInter
 cp "$work/good" "$source/Lamp.cpp"
 builds "Comparing the component libraries of greet"
 
-# Installed and moved, with the first place gone, it names no folder of this machine.
+# Programs read all dictionaries that lie there.
+echo 'lyr_add_component_library(Old SOURCES Lamp.cpp)' >>"$source/CMakeLists.txt"
+builds "Writing the dictionary files of Old"
+cp "$here/components/CMakeLists.txt" "$source/CMakeLists.txt"
+builds
+[[ -z $(find "$dictionaries" -name "libOld.*") ]] || fail "a library that is no more has dictionaries"
+
+# says <text> <command>...: all that the command says is the text.
+says() {
+    local text=$1 said
+    shift
+    said=$("$@" 2>&1) || true
+    [[ $said == "$text" ]] || fail "$* says: $said"
+}
+
+# forbid <new place> <old place>: whatever is loaded or read in the old place makes itself heard.
+forbid() {
+    (cd "$1" && find . -name "*.so*" -o -name "*.dicts" -o -name "*idts") | while read -r file; do
+        mkdir -p "$2/$(dirname "$file")"
+        case $file in
+        *.so*) cp "$work/abort.so" "$2/$file" ;;
+        *) echo "nonsense" >"$2/$file" ;;
+        esac
+    done
+}
+
+# What the user would rather have: another libGreeter, and under another name.
+cp "$source/Greeter.cpp" "$work/good"
+sed -i 's/"Hello"/"Welcome"/' "$source/Greeter.cpp"
+builds
+mkdir "$work/users" "$work/users other"
+cp "$build/lib/Greeting/libGreeter.so" "$work/users"
+cp "$build/lib/Greeting/libGreeter.so" "$work/users other/libOther.so"
+sed 's/libGreeter/libOther/' "$source/dictionary/greeting.dicts" >"$work/users other/libGreeter.dicts"
+cp "$work/good" "$source/Greeter.cpp"
+builds
+
+# Installed and moved, it needs no variable and names no folder of this machine; nor does a program of
+# others that loads a library of it. What the user sets comes first.
+for file in host abort; do
+    "$2" -fPIC $([[ $file == host ]] || echo -shared) "$source/$file.cpp" -ldl \
+        -o "$work/$file$([[ $file == host ]] || echo .so)"
+done
 cmake --install "$build" --prefix "$work/first" >/dev/null
-mv "$work/first" "$work/moved to"
-mv "$build" "$work/gone" && mv "$prefix" "$work/package gone"
-libraries=$(dirname "$(find "$work/moved to" -name libGreeter.so)")
-[[ $(LYRDictionaryPath="$libraries/dictionary" "$work/moved to/bin/greet") == "Hello, world!" ]]
-echo '#include <dlfcn.h>
-int main(int, char** words) { return dlopen(words[1], RTLD_NOW) == nullptr; }' >"$work/host.cpp"
-"$2" "$work/host.cpp" -o "$work/host" -ldl
-"$work/host" "$libraries/libGreeter.so" || fail "a program of others can't load a component library"
-! grep -rF "$work" "$work/moved to" || fail "an installed file names a folder of the build"
-mv "$work/gone" "$build" && mv "$work/package gone" "$prefix"
+moved="$work/moved to"
+mv "$work/first" "$moved"
+mv "$build" "$work/build gone" && mv "$prefix" "$work/package gone"
+forbid "$moved" "$work/first"
+forbid "$work/build gone" "$build"
+forbid "$work/package gone" "$prefix"
+says "Hello, world!" "$moved/bin/greet"
+says "Hello, world!" "$moved/bin/linked"
+says "Hello, host!" "$work/host" "$moved/lib/Greeting/libDesk.so"
+(cd / && ln -s "$moved/bin/greet" "$work/link" && says "Hello, world!" "$work/link")
+says "Welcome, world!" env LD_LIBRARY_PATH="$work/users" "$moved/bin/greet"
+says "Welcome, world!" env LD_LIBRARY_PATH="$work/users other" \
+    LYRDictionaryPath="$work/users other" "$moved/bin/greet"
+[[ $(readelf -d "$moved/bin/greet") == *"(RUNPATH)"*"[\$ORIGIN/../lib]"* ]] ||
+    fail "greet has another run path"
+! grep -rF "$work" "$moved" || fail "an installed file names a folder of this machine"
+rm -r "$build" "$prefix"
+mv "$work/build gone" "$build" && mv "$work/package gone" "$prefix"
 
 [[ $3 == Ninja ]] || exit 0 # the generator makes no difference to what follows
 cross=(-DCMAKE_SYSTEM_NAME=Linux -DCMAKE_SYSTEM_PROCESSOR="$(uname -m)")
@@ -111,5 +162,8 @@ refuses_call 'lyr_add_component_library(New): "SORCES" is no argument of it; it 
     'lyr_add_component_library(New SORCES Lamp.cpp)'
 refuses_call 'lyr_add_application(new): Lmap is no component library; add it before' \
     'lyr_add_application(new SOURCES main.cpp COMPONENTS Lmap)'
+refuses_call '/elsewhere/lib is not below CMAKE_INSTALL_PREFIX' \
+    'set(LYR_COMPONENT_INSTALL_DIR /elsewhere/lib)
+     lyr_add_application(new SOURCES main.cpp)'
 refuses_call 'lyr_test_environment(none): this directory has no test of that name' \
     'lyr_test_environment(none)'
