@@ -34,7 +34,8 @@ cmake_policy(VERSION 3.25)
 
 function(lyr_add_component_library name)
     cmake_parse_arguments(PARSE_ARGV 1 ARG "BASE;PLUGIN;NO_INSTALL" "" "SOURCES;DICTIONARIES")
-    _lyr_check_call(lyr_add_component_library ${name} "SOURCES, DICTIONARIES, BASE, PLUGIN, NO_INSTALL")
+    _lyr_check_call(lyr_add_component_library ${name}
+        "SOURCES, DICTIONARIES, BASE, PLUGIN, NO_INSTALL")
     _lyr_find_folders()
     if(ARG_BASE)
         set(type SHARED)
@@ -49,7 +50,7 @@ function(lyr_add_component_library name)
         list(APPEND handWritten ${file})
     endforeach()
     if(ARG_PLUGIN)
-        _lyr_name_folders(${name} . dictionary)
+        _lyr_name_folders(${name} ${components} ${components})
     endif()
     set(dictionary ${output}/${components}/dictionary)
     list(TRANSFORM suffixes PREPEND ${dictionary}/lib${name} OUTPUT_VARIABLE files)
@@ -58,6 +59,7 @@ function(lyr_add_component_library name)
     # Beside its own folder, where a base library or an extended class's library is.
     set_target_properties(${name} PROPERTIES
         INSTALL_RPATH "$ORIGIN;$ORIGIN/${componentsToLib}"
+        LYR_FOLDER ${components}
         LYR_HAND_WRITTEN "${handWritten}")
 
     _lyr_add_check(${name}_dictionaries ALL
@@ -79,13 +81,19 @@ function(lyr_add_application name)
     _lyr_find_folders()
     add_executable(${name} ${ARG_SOURCES})
     _lyr_set_up(${name})
-    _lyr_name_folders(${name} ${binToComponents} ${binToComponents}/dictionary)
+    set(folders)
+    set(runPath $ORIGIN/${binToLib})
+    foreach(component IN LISTS ARG_COMPONENTS)
+        get_target_property(folder ${component} LYR_FOLDER)
+        list(APPEND folders ${folder})
+        # Only where the program itself is linked with it, as with a base library.
+        file(RELATIVE_PATH way /${bin} /${folder})
+        set(linked "$<TARGET_PROPERTY:${name},LINK_LIBRARIES>")
+        list(APPEND runPath "$<$<IN_LIST:${component},${linked}>:$ORIGIN/${way}>")
+    endforeach()
+    _lyr_name_folders(${name} ${bin} ${folders} ${components})
     _lyr_build_in(${name} RUNTIME ${output}/${bin})
-    # To the components only where the program itself is linked with one.
-    list(JOIN ARG_COMPONENTS | any)
-    set(linked "$<FILTER:$<TARGET_PROPERTY:${name},LINK_LIBRARIES>,INCLUDE,^(${any})$>")
-    set_target_properties(${name} PROPERTIES
-        INSTALL_RPATH "$ORIGIN/${binToLib};$<$<BOOL:${linked}>:$ORIGIN/${binToComponents}>")
+    set_target_properties(${name} PROPERTIES INSTALL_RPATH "${runPath}")
 
     if(ARG_COMPONENTS)
         set(checked ${CMAKE_CURRENT_BINARY_DIR}/${name}-$<CONFIG>.checked)
@@ -177,7 +185,6 @@ macro(_lyr_find_folders)
         file(RELATIVE_PATH ${folder} ${CMAKE_INSTALL_PREFIX} ${${folder}})
     endforeach()
     file(RELATIVE_PATH binToLib /${bin} /${lib})
-    file(RELATIVE_PATH binToComponents /${bin} /${components})
     file(RELATIVE_PATH componentsToLib /${components} /${lib})
     _lyr_remove_old_dictionaries_later()
 endmacro()
@@ -201,8 +208,15 @@ function(_lyr_build_in target kind folder)
     endforeach()
 endfunction()
 
-# Compiles into the target what names the two folders, relative to the target's file, as it loads.
-function(_lyr_name_folders name libraries dictionaries)
+# Compiles into the target, whose file is in the folder `from`, what names others as it loads.
+function(_lyr_name_folders name from)
+    set(others ${ARGN})
+    list(REMOVE_DUPLICATES others)
+    set(folders)
+    foreach(folder IN LISTS others)
+        file(RELATIVE_PATH way /${from} /${folder})
+        string(APPEND folders "    {R\"(./${way})\", R\"(./${way}/dictionary)\"},\n")
+    endforeach()
     set(source ${CMAKE_CURRENT_BINARY_DIR}/${name}_folders.cpp)
     configure_file(${CMAKE_CURRENT_FUNCTION_LIST_DIR}/LYRFolders.cpp.in ${source} @ONLY)
     target_sources(${name} PRIVATE ${source})

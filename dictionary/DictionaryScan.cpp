@@ -88,7 +88,7 @@ struct Folder {
 };
 
 constinit Folder* folders LYR_GUARDED_BY(GetGlobalDicoMutex()) = nullptr;  // named by code
-constinit Folder* listed LYR_GUARDED_BY(GetGlobalDicoMutex()) = nullptr;  // by the user, and read
+constinit Folder* listed LYR_GUARDED_BY(GetGlobalDicoMutex()) = nullptr;   // by the user, and read
 
 /// The place of the folder in the chain.
 auto SlotOf(Folder*& chain, const char* interned) {

@@ -110,20 +110,21 @@ public:
     static const GUID* _CreateCLSID();
 
     /// Reads the dictionary files of the directories of LYRDictionaryPath and of the folders that
-    /// AddFolder has been given, once per process. Says
-    /// on standard error when that variable is not set and no folder is named (AddFolder), or
-    /// LYRDictionaryNoPathNoFallback is; then nothing is read, and the next request asks again.
-    /// What there is to say about the files is said when all have been read, with the lock free.
-    /// When memory or file descriptors run out on the way, the next request reads them again, which
-    /// may repeat messages. Returns at once when the calling thread is reading them.
+    /// AddFolder has been given, once per process. Says on standard error when that variable is not
+    /// set and no folder is named, or when LYRDictionaryNoPathNoFallback is set; then nothing is
+    /// read, and the next request asks again. What there is to say about the files is said when all
+    /// have been read, with the lock free. When memory or file descriptors run out on the way, the
+    /// next request reads them again, which may repeat messages. Returns at once when the calling
+    /// thread is reading them.
     static void EnsureInitDictionary();
 
     /// Names a folder of dictionary files, to be read after the directories of LYRDictionaryPath
     /// and the folders named before; as there, a file of which another has the name is passed over.
     /// Then that variable need not be set. A relative folder is one of the program or library that
     /// the address `origin` belongs to, as LYRThrLibraryManager::FolderOf says. S_OK, also for a
-    /// folder that is named already or has been read, at any time. For another E_FAIL, said on standard error,
-    /// once the files have been read or are being read, and when the folder cannot be told; E_FAIL when memory is out.
+    /// folder that is named already or has been read, at any time. For another E_FAIL, said on
+    /// standard error, once the files have been read or are being read, and when the folder cannot
+    /// be told; E_FAIL when memory is out.
     static HRESULT AddFolder(const char* folder, const void* origin);
 
     /// For scandir: 1 for the name of a dictionary file, 0 for any other and for null.

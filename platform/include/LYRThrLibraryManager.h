@@ -44,9 +44,9 @@ public:
     /// Writes the absolute path of a folder to `path`, which has room for `size` characters. A
     /// relative one starts where the file lies, behind all links, to which `origin` belongs: the
     /// address of a function or variable of the program or library that names the folder; with a
-    /// null `origin` in the current directory; links on its way are followed, so that two ways to one
-    /// folder that is there give one path. False, with an empty path, for a null or empty
-    /// folder, for an address of no file, and where the room does not do.
+    /// null `origin` in the current directory. Links on its way are followed, so that all relative
+    /// ones that lead to one folder give one path, if it is there. False, with an empty path, for a
+    /// null or empty folder, for an address of no file, and where the room does not do.
     static bool FolderOf(const char* folder, const void* origin, char* path, std::size_t size);
 
     /// A mark of this moment, for the next.

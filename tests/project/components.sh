@@ -115,10 +115,8 @@ builds
 
 # Installed and moved, it needs no variable and names no folder of this machine; nor does a program of
 # others that loads a library of it. What the user sets comes first.
-for file in host abort; do
-    "$2" -fPIC $([[ $file == host ]] || echo -shared) "$source/$file.cpp" -ldl \
-        -o "$work/$file$([[ $file == host ]] || echo .so)"
-done
+"$2" "$source/host.cpp" -o "$work/host" -ldl
+"$2" -shared -fPIC "$source/abort.cpp" -o "$work/abort.so"
 cmake --install "$build" --prefix "$work/first" >/dev/null
 moved="$work/moved to"
 mv "$work/first" "$moved"
