@@ -20,8 +20,8 @@
 #
 #   lyr_test_environment(<test>)
 #
-# Has the test of that name, in this directory, find all component libraries of the build and their
-# dictionaries, before those that the user has set: for a program of others.
+# Has the test of that name, in this directory, find the component libraries of the build, those in
+# the folder that is set, and their dictionaries before those of the user: for a program of others.
 #
 # Both kinds of targets are ordinary ones, but for the folders that they are built in, and can be
 # changed as such. Variables, all with a default:
