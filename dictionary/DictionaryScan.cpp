@@ -8,6 +8,7 @@
 #include "dictionary/Messages.h"
 #include "registries/Intern.h"
 #include "support/Shortage.h"
+#include "support/Text.h"
 
 #include <cerrno>
 #include <climits>
@@ -81,29 +82,13 @@ void ScanDirectory(const std::string& directory) LYR_REQUIRES(GetGlobalDicoMutex
     }
 }
 
-/// A folder by its interned path.
+/// A folder that code has named.
 struct Folder {
-    const char* path;
+    std::string path;
     Folder* next;
 };
 
-constinit Folder* folders LYR_GUARDED_BY(GetGlobalDicoMutex()) = nullptr;  // named by code
-constinit Folder* listed LYR_GUARDED_BY(GetGlobalDicoMutex()) = nullptr;   // by the user, and read
-
-/// The place of the folder in the chain.
-auto SlotOf(Folder*& chain, const char* interned) {
-    return FindSlot(chain, [=](const Folder& folder) { return folder.path == interned; });
-}
-
-/// Notes that the directory is being read, as code would name it: behind all links.
-void NoteListed(const char* directory) LYR_REQUIRES(GetGlobalDicoMutex()) {
-    char path[PATH_MAX];
-    if (::realpath(directory, path) == nullptr) return;
-    const char* const interned = InternText(path);
-    const auto slot = SlotOf(listed, interned);
-    if (slot.link == nullptr) *slot.place = new Folder{interned, nullptr};
-}
-
+constinit Folder* folders LYR_GUARDED_BY(GetGlobalDicoMutex()) = nullptr;
 constinit std::atomic<bool> DictionaryInitialized = false;  // the files have been read
 
 /// The variable that lists directories between colons; null when it is not set.
@@ -117,16 +102,28 @@ bool MayReadNothing() LYR_REQUIRES(GetGlobalDicoMutex()) {
     return ListedDirectories() == nullptr && folders == nullptr;
 }
 
-void ScanListedDirectories() LYR_REQUIRES(GetGlobalDicoMutex()) {
+/// Calls `action` with each directory that the variable lists, until it returns false.
+template <typename Action>
+void ForEachListedDirectory(Action action) LYR_REQUIRES(GetGlobalDicoMutex()) {
     const char* const path = ListedDirectories();
     if (path == nullptr) return;
     std::string directories(path);
     char* save = nullptr;
-    for (const char* directory = LYRSysTSStrtok(directories.data(), ":", &save);
-         directory != nullptr; directory = LYRSysTSStrtok(nullptr, ":", &save)) {
-        NoteListed(directory);
-        ScanDirectory(directory);
+    const char* directory = LYRSysTSStrtok(directories.data(), ":", &save);
+    while (directory != nullptr && action(directory)) {
+        directory = LYRSysTSStrtok(nullptr, ":", &save);
     }
+}
+
+/// Whether the user lists the folder, too; `path` has no links in it.
+bool IsListed(const char* path) LYR_REQUIRES(GetGlobalDicoMutex()) {
+    bool isListed = false;
+    ForEachListedDirectory([&](const char* directory) {
+        char real[PATH_MAX];
+        isListed = ::realpath(directory, real) != nullptr && SameText(real, path);
+        return !isListed;
+    });
+    return isListed;
 }
 
 /// Reads all dictionary files. False when something was short on the way: what is registered stays,
@@ -135,7 +132,10 @@ bool Scan() LYR_REQUIRES(GetGlobalDicoMutex()) {
     const unsigned before = shortages;
     RefuseOnShortage(false, []() LYR_REQUIRES(GetGlobalDicoMutex()) {
         const MetNames metNames;
-        ScanListedDirectories();
+        ForEachListedDirectory([](const char* directory) LYR_REQUIRES(GetGlobalDicoMutex()) {
+            ScanDirectory(directory);
+            return true;
+        });
         for (const Folder* folder = folders; folder != nullptr; folder = folder->next) {
             ScanDirectory(folder->path);
         }
@@ -181,12 +181,11 @@ NamedFolder NameFolder(const char* path) {
     const MutexGuard guard(*GetGlobalDicoMutex());
     const bool isTooLate = DictionaryInitialized || DictionaryTables::MetNames() != nullptr;
     const auto hang = [=]() LYR_REQUIRES(GetGlobalDicoMutex()) {
-        const char* const interned = InternText(path);
-        const auto slot = SlotOf(folders, interned);
+        const auto slot =
+            FindSlot(folders, [=](const Folder& known) { return known.path == path; });
         if (slot.link != nullptr) return NamedFolder::kTaken;
-        if (SlotOf(listed, interned).link != nullptr) return NamedFolder::kTaken;
-        if (isTooLate) return NamedFolder::kTooLate;
-        *slot.place = new Folder{interned, nullptr};
+        if (isTooLate) return IsListed(path) ? NamedFolder::kTaken : NamedFolder::kTooLate;
+        *slot.place = new Folder{path, nullptr};
         return NamedFolder::kTaken;
     };
     return RefuseOnShortage(NamedFolder::kNoMemory, hang);

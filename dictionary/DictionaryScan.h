@@ -9,9 +9,7 @@ namespace lyr::internal {
 /// short, or this very thread is reading them.
 bool EnsureDictionaryFilesAreRead();
 
-/// Takes a folder to be read after all others that are named by now, if it is not
-/// among them yet. The path is absolute and fits
-/// into the string store.
+/// Takes a folder to be read after all others, unless it is among them. The path is absolute.
 enum class NamedFolder { kTaken, kTooLate, kNoMemory };
 NamedFolder NameFolder(const char* path);
 

@@ -66,8 +66,9 @@ void MissingFunctions::Tell(Findings& findings) const {
                 {lacks[i].place, "so is " + lacks[i].symbol + ", for " + lacks[i].what});
         }
         if (lacks.size() > kShown) {
-            notes.push_back(
-                {{_library.path}, "and " + std::to_string(lacks.size() - kShown) + " more"});
+            Note& rest = notes.emplace_back();
+            rest.place.file = _library.path;
+            rest.text = "and " + std::to_string(lacks.size() - kShown) + " more";
         }
         findings.AddError(lacks[0].place, TextOf(way, lacks[0]), "no-entry-point", notes);
     }

@@ -60,10 +60,13 @@ void CheckFileNames(const std::vector<Manifest>& manifests, Findings& findings) 
         const std::string& path = manifest.library.path;
         const auto [first, isFirst] = firstOf.try_emplace(manifest.libraryName, path);
         if (isFirst) continue;
+        std::vector<inspection::Note> notes(1);
+        notes[0].place.file = first->second;
+        notes[0].text = "the other is here";
         findings.AddError({path},
                           "two libraries are called " + manifest.libraryName +
                               "; give one of the files another name",
-                          "two-libraries", {{{first->second}, "the other is here"}});
+                          "two-libraries", notes);
     }
 }
 
