@@ -55,6 +55,7 @@ ln -sf libLyrTestWorkshop.so libLyrTestAdditions.so
 lines() { "$compiler" "${flags[@]}" -std=c++17 -I"$tutorial/../support" -E "$1" | wc -l; }
 tutorial=$here/../../examples/tutorial
 for source in Greeter main; do
-    kit=$(lines "$here/greeter/$source.cpp") raw=$(lines "$tutorial/$source.cpp")
+    kit=$(lines "$here/greeter/$source.cpp")
+    raw=$(lines "$tutorial/$source.cpp")
     ((2 * kit <= 3 * raw)) || { echo "$source: $kit lines, by hand $raw" >&2; exit 1; }
 done
