@@ -123,33 +123,41 @@ template <class Traits, class Root>
     return meta;
 }
 
-/// Called when a count has become 1 that was 0 before: the object is being deleted. It keeps this
-/// count for good, so that a reference which is made and dropped meanwhile does not delete it
-/// again.
-template <class Root>
-[[gnu::noinline, gnu::cold]] std::uint32_t KeepFromDyingTwice(Root& object, bool isTransient) {
-    const std::uint32_t count = object.Root::AddRef();
-    // A transient extension has taken one more count of the object that it extends, too.
-    void* extended = nullptr;
-    if (isTransient && object.Root::QueryInterface(IID_IUnknown, &extended) == S_OK) {
-        static_cast<IUnknown*>(extended)->Release();
-        static_cast<IUnknown*>(extended)->Release();
-    }
-    return count;
-}
-
 /// The base of a class without a base component.
 template <bool isThreadSafe, bool isTransient>
 class ComponentRoot : public Foundation<LYRSysTSBaseUnknown> {
 public:
+    /// While it is being deleted it answers nothing: what was made for it then would stay behind.
+    HRESULT QueryInterface(const GUID& iid, void** out) override {
+        if (!_isDying) return LYRSysTSBaseUnknown::QueryInterface(iid, out);
+        if (out == nullptr) return E_FAIL;
+        *out = nullptr;
+        return E_UNEXPECTED;
+    }
     std::uint32_t AddRef() override {
         const std::uint32_t count = LYRSysTSBaseUnknown::AddRef();
-        if (count != 1) return count;
-        return KeepFromDyingTwice<LYRSysTSBaseUnknown>(*this, isTransient);
+        return count != 1 ? count : KeepFromDyingTwice();
     }
 
 protected:
     ComponentRoot() : Foundation(static_cast<unsigned char>(isThreadSafe ? 1 : 0)) {}
+
+private:
+    /// A count that is 1 was 0 before: the object is being deleted. It keeps this count for good,
+    /// so that a reference which is made and dropped meanwhile does not delete it again.
+    [[gnu::noinline, gnu::cold]] std::uint32_t KeepFromDyingTwice() {
+        _isDying = true;
+        const std::uint32_t count = LYRSysTSBaseUnknown::AddRef();
+        // A transient extension has taken one more count of the object that it extends, too.
+        void* extended = nullptr;
+        if (isTransient && LYRSysTSBaseUnknown::QueryInterface(IID_IUnknown, &extended) == S_OK) {
+            static_cast<IUnknown*>(extended)->Release();
+            static_cast<IUnknown*>(extended)->Release();
+        }
+        return count;
+    }
+
+    bool _isDying = false;
 };
 
 template <class Traits, class Base>
