@@ -47,20 +47,20 @@ public:
 
     void Request() const {
         const auto work = Client::Ask(_object);
-        benchmark::DoNotOptimize(&*work);
+        benchmark::DoNotOptimize(work);
     }
     void Count() const {
         const auto work = Client::Count(_work);
-        benchmark::DoNotOptimize(&*work);
+        benchmark::DoNotOptimize(work);
     }
     void Create() const {
         const auto object = Client::Own(_create(nullptr));
-        benchmark::DoNotOptimize(&*object);
+        benchmark::DoNotOptimize(object);
     }
     void CreateAndRequest() const {
         const auto object = Client::Own(_create(nullptr));
         const auto work = Client::Ask(object);
-        benchmark::DoNotOptimize(&*work);
+        benchmark::DoNotOptimize(work);
     }
 
 private:

@@ -44,10 +44,9 @@ struct HandBoa final : Working<HandBoa, ImplementationClass> {
 
 struct HandTied final : Described<HandTied, ImplementationClass> {
     static constexpr const char* kName = "HandTied";
-    int Work() { return 1; }
 };
 struct HandTie final : Tie<IWork, HandTied> {
-    int Work() override { return Impl().Work(); }
+    int Work() override { return 1; }
 };
 
 struct HandKeeper final : Described<HandKeeper, ImplementationClass> {

@@ -11,13 +11,10 @@ LYR_COMPONENT(KitItself, IWork) {
 };
 
 LYR_COMPONENT(KitTied, lyr::TiesOnly) {
-    int Work() {
-        return 1;
-    }
 };
 LYR_TIE(KitTie, KitTied, IWork) {
     int Work() override {
-        return Object().Work();
+        return 1;
     }
 };
 
