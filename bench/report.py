@@ -20,6 +20,10 @@ SIZES = [1000, 10_000, 100_000, 1_000_000]
 TABLES = ["records", "links", "texts"]
 REGISTRIES = {"Iid": "iidts", "Clsid": "clsidts"}
 EXPORTS = {"few": "40", "many": "40,000"}
+WORK = {"request": "request + `Release`", "count": "`AddRef` + `Release`",
+        "create": "create + destroy"}
+KINDS = {"itself": "the object itself", "BOA": "BOA", "TIE": "TIE", "kept": "kept extension",
+         "transient": "transient extension"}
 COMPANY = {"alone": "/alone", "beside a thread": "/threads:1"}
 BEGIN, END = "<!-- figures: written by tools/bench -->\n", "<!-- end of figures -->\n"
 
@@ -86,6 +90,10 @@ def bars():
         yield (f"unknown id, `.{name}`, 400,000 entries; 10,000",
                f"{registry}/miss/own/400000/threads:1", f"{registry}/miss/own/10000/threads:1",
                4, 2)
+    for work, what in WORK.items():
+        for kind, of in KINDS.items():
+            name = f"Kit/{work}/{kind}"
+            yield f"kit: {what}, {of}; by hand", f"{name}/own", f"{name}/by hand", 1.05
     yield ("memory of an entry of 100,000; the bare tables",
            "Load/own/100000#bytes", "Memory/bare tables/100000#bytes", 1.5)
 

@@ -179,15 +179,17 @@ constexpr LYRSysTSBaseUnknown* (*CreateOf())() {
     }
 }
 
-/// The entry point of an interface that the class itself inherits.
+/// The entry point of an interface that the class itself inherits. The search asks it for objects
+/// of the class and of those derived from it alone, so a component's is known.
 template <class C, class I>
 IUnknown* AnswerItself(LYRSysTSBaseUnknown* object) {
     static_assert(Making::kIsComplete<C>,
                   "lyr: the class does not implement every operation of the interfaces that it "
                   "lists; override what is missing");
-    LYRSysTSBaseUnknown* const answer =
-        LYRSysTSBOAInternal::CreateBOA(object, C::MetaObject(), CreateOf<C>());
-    return static_cast<I*>(static_cast<C*>(answer));
+    if constexpr (IsExtension(KindOf<C>())) {
+        object = LYRSysTSBOAInternal::CreateBOA(object, C::MetaObject(), CreateOf<C>());
+    }
+    return static_cast<I*>(static_cast<C*>(object));
 }
 
 /// The entry point that makes an object: one with a count of 1, or null.

@@ -51,13 +51,20 @@ public:                                                                         
 
 // The anchor has no use but its name in the assembler, of which the names of entry points are made:
 // those of base interfaces, which no macro sees, too. Hidden, so that the libraries of a process
-// share none of it; g++ warns where everything is hidden already, in a namespace without a name.
-#define LYR_KIT_DESCRIPTION(Name, guid)                                                  \
-    _Pragma("GCC diagnostic push") _Pragma("GCC diagnostic ignored \"-Wattributes\"")    \
-        [[maybe_unused, gnu::visibility("hidden")]] static constexpr ::GUID id = guid;   \
-    [[maybe_unused, gnu::visibility("hidden")]] static constexpr char name[] = #Name;    \
-    [[maybe_unused, gnu::visibility("hidden")]] static inline const char anchor __asm__( \
-        "LYRSysTSCreate" #Name) = 0;                                                     \
+// share none of it; g++ warns where everything is hidden already, in a namespace without a name. It
+// is not defined, since an entry point may have that very name: ILayer of a View, where there is an
+// ILayerView. Only clang wants a definition; there, such an entry point is hidden, which the check
+// of the library tells.
+#if defined(__clang__)
+#define LYR_KIT_ANCHOR(symbol) static inline const char anchor __asm__(symbol) = 0
+#else
+#define LYR_KIT_ANCHOR(symbol) static const char anchor __asm__(symbol)
+#endif
+#define LYR_KIT_DESCRIPTION(Name, guid)                                                 \
+    _Pragma("GCC diagnostic push") _Pragma("GCC diagnostic ignored \"-Wattributes\"")   \
+        [[maybe_unused, gnu::visibility("hidden")]] static constexpr ::GUID id = guid;  \
+    [[maybe_unused, gnu::visibility("hidden")]] static constexpr char name[] = #Name;   \
+    [[maybe_unused, gnu::visibility("hidden")]] LYR_KIT_ANCHOR("LYRSysTSCreate" #Name); \
     _Pragma("GCC diagnostic pop")
 // NOLINTEND(bugprone-macro-parentheses)
 

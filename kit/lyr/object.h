@@ -123,39 +123,82 @@ template <class Traits, class Root>
     return meta;
 }
 
-/// A count that is 1 was 0 before: the object is being deleted. It keeps this count for good, so
-/// that a reference which is made and dropped meanwhile does not delete it again.
-template <class Root>
-std::uint32_t KeepFromDyingTwice(Root& object, bool isTransient) {
-    const std::uint32_t count = object.Root::AddRef();
-    // A transient extension has taken one more count of the object that it extends, too.
-    void* extended = nullptr;
-    if (isTransient && object.Root::QueryInterface(IID_IUnknown, &extended) == S_OK) {
-        static_cast<IUnknown*>(extended)->Release();
-        static_cast<IUnknown*>(extended)->Release();
-    }
-    return count;
-}
-
-template <class Traits, class Root, class Interfaces>
-class ComponentOf;
-
-/// The base of a class of components or extensions. One QueryInterface, AddRef and Release serve
-/// all of its interfaces.
-template <class Traits, class Root, class... I>
-class ComponentOf<Traits, Root, List<I...>> : public Root, public I... {
+/// The base of a class without a base component.
+template <bool isThreadSafe, bool isTransient>
+class ComponentRoot : public Foundation<LYRSysTSBaseUnknown> {
 public:
-    using LyrTraits = Traits;
+    /// While it is being deleted it answers nothing: what was made for it then would stay behind.
+    HRESULT QueryInterface(const GUID& iid, void** out) override {
+        if (!_isDying) return LYRSysTSBaseUnknown::QueryInterface(iid, out);
+        if (out == nullptr) return E_FAIL;
+        *out = nullptr;
+        return E_UNEXPECTED;
+    }
+    std::uint32_t AddRef() override {
+        const std::uint32_t count = LYRSysTSBaseUnknown::AddRef();
+        return count != 1 ? count : KeepFromDyingTwice();
+    }
 
+protected:
+    ComponentRoot() : Foundation(static_cast<unsigned char>(isThreadSafe ? 1 : 0)) {}
+
+private:
+    /// A count that is 1 was 0 before: the object is being deleted. It keeps this count for good,
+    /// so that a reference which is made and dropped meanwhile does not delete it again.
+    [[gnu::noinline, gnu::cold]] std::uint32_t KeepFromDyingTwice() {
+        _isDying = true;
+        const std::uint32_t count = LYRSysTSBaseUnknown::AddRef();
+        // A transient extension has taken one more count of the object that it extends, too.
+        void* extended = nullptr;
+        if (isTransient && LYRSysTSBaseUnknown::QueryInterface(IID_IUnknown, &extended) == S_OK) {
+            static_cast<IUnknown*>(extended)->Release();
+            static_cast<IUnknown*>(extended)->Release();
+        }
+        return count;
+    }
+
+    bool _isDying = false;
+};
+
+template <class Traits, class Base>
+struct RootOf {
+    using Type = Base;
+};
+template <class Traits>
+struct RootOf<Traits, void> {
+    using Type =
+        ComponentRoot<Facts<Traits>::kIsThreadSafe, Traits::kind == Kind::kTransientExtension>;
+};
+
+/// One QueryInterface, AddRef and Release for all interfaces of a class; without any, those of the
+/// root are taken straight.
+template <class Root, class Interfaces>
+class Answering;
+template <class Root>
+class Answering<Root, List<>> : public Root {
+protected:
+    using Root::Root;
+    Answering() = default;
+};
+template <class Root, class First, class... Others>
+class Answering<Root, List<First, Others...>> : public Root, public First, public Others... {
+public:
     HRESULT QueryInterface(const GUID& iid, void** out) override {
         return Root::QueryInterface(iid, out);
     }
-    std::uint32_t AddRef() override {
-        const std::uint32_t count = Root::AddRef();
-        if (count != 1) return count;
-        return KeepFromDyingTwice<Root>(*this, Traits::kind == Kind::kTransientExtension);
-    }
+    std::uint32_t AddRef() override { return Root::AddRef(); }
     std::uint32_t Release() override { return Root::Release(); }
+
+protected:
+    using Root::Root;
+    Answering() = default;
+};
+
+/// The base of a class of components or extensions.
+template <class Traits, class Root>
+class ComponentOf : public Answering<Root, typename Facts<Traits>::Interfaces> {
+public:
+    using LyrTraits = Traits;
 
     static LYRSysTSMetaClass* MetaObject() { return MetaObjectOf<Traits, Root>(); }
     LYRSysTSMetaClass* GetMetaObject() const override { return MetaObject(); }
@@ -163,31 +206,13 @@ public:
 protected:
     using Component = ComponentOf;
 
-    using Root::Root;
+    using ComponentOf::Answering::Answering;
     ComponentOf() = default;
-};
-
-/// Of a class without a base component.
-template <bool isThreadSafe>
-class ComponentRoot : public Foundation<LYRSysTSBaseUnknown> {
-protected:
-    ComponentRoot() : Foundation(static_cast<unsigned char>(isThreadSafe ? 1 : 0)) {}
-};
-
-template <class Base, bool isThreadSafe>
-struct RootOf {
-    using Type = Base;
-};
-template <bool isThreadSafe>
-struct RootOf<void, isThreadSafe> {
-    using Type = ComponentRoot<isThreadSafe>;
 };
 
 template <class Traits>
 using ComponentFor =
-    ComponentOf<Traits,
-                typename RootOf<typename Facts<Traits>::Base, Facts<Traits>::kIsThreadSafe>::Type,
-                typename Facts<Traits>::Interfaces>;
+    ComponentOf<Traits, typename RootOf<Traits, typename Facts<Traits>::Base>::Type>;
 
 /// Whether the class is begun by one of the kit's macros; and what it is called then.
 template <class C, class = void>

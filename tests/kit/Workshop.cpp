@@ -25,8 +25,9 @@ void Shape::SetColor(int color) {
 LYR_COMPONENT(Square, LYR_CLASS_ID(kSquareId), lyr::From<Shape>, workshop::IPolygon) {
     Square() : Component(3) {}
     ~Square() override {
-        const lyr::Ref<IShape> self = lyr::Share(this);
-        static_cast<void>(self.Get());
+        static_cast<void>(lyr::Share(this));
+        // Nor is an extension made that nobody would delete.
+        static_cast<void>(lyr::TryAs<ILayer>(this));
     }
     int Corners() override {
         return 4;

@@ -51,10 +51,24 @@ library Workshop Workshop.o Additions.o
 ln -sf libLyrTestWorkshop.so libLyrTestAdditions.so
 ./scenario | grep -v ' deleted ' | diff -u <(grep -v ' deleted ' "$here/expected-output.txt") -
 
+# What has the name of an entry point is a function, also where an interface is called as another one
+# and its class together.
+cat >names.cpp <<'END'
+#include <lyr/kit.h>
+struct IPart : IUnknown { LYR_INTERFACE(IPart, "a3000000-0000-4000-8000-000000000001"); };
+struct IPartView : IUnknown { LYR_INTERFACE(IPartView, "a3000000-0000-4000-8000-000000000002"); };
+LYR_COMPONENT(View, IPart) {};
+LYR_COMPONENT(Other, IPartView) {};
+END
+library Names "${flags[@]}" -std=c++17 -O2 names.cpp
+symbols=$(nm -D --defined-only libLyrTestNames.so | grep LYRSysTSCreateI)
+! grep -v ' T ' <<<"$symbols" || { echo "these are no functions" >&2; exit 1; }
+
 # What is written on the kit is not much more for the compiler than what is written by hand.
 lines() { "$compiler" "${flags[@]}" -std=c++17 -I"$tutorial/../support" -E "$1" | wc -l; }
 tutorial=$here/../../examples/tutorial
 for source in Greeter main; do
-    kit=$(lines "$here/greeter/$source.cpp") raw=$(lines "$tutorial/$source.cpp")
+    kit=$(lines "$here/greeter/$source.cpp")
+    raw=$(lines "$tutorial/$source.cpp")
     ((2 * kit <= 3 * raw)) || { echo "$source: $kit lines, by hand $raw" >&2; exit 1; }
 done
