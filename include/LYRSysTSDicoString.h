@@ -8,7 +8,7 @@
 
 namespace lyr::internal {
 struct HashedText;
-const char* InternText(const HashedText& text);
+struct TextStore;
 }  // namespace lyr::internal
 
 /// The lock of LYRSysTSDicoString, never null. It guards the table and the blocks, and is a leaf:
@@ -56,7 +56,7 @@ public:
     static void _FreeDictionary();
 
 private:
-    friend const char* lyr::internal::InternText(const lyr::internal::HashedText& text);
+    friend struct lyr::internal::TextStore;
 
     // AddStringInDico of a text that is not null.
     LYR_LOCAL static const char* Intern(const lyr::internal::HashedText& text);

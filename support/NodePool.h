@@ -43,9 +43,10 @@ public:
 
     /// Whether the pool has made the node.
     bool Holds(const Node* node) const {
-        const std::less<const void*> isBefore;  // of any two addresses
+        const std::less<> isBefore;  // of any two addresses
+        const auto* const place = reinterpret_cast<const std::byte*>(node);
         for (const Block* block = _newest; block != nullptr; block = block->before) {
-            if (!isBefore(node, block->Place(0)) && isBefore(node, block->Place(block->used))) {
+            if (!isBefore(place, block->Place(0)) && isBefore(place, block->Place(block->used))) {
                 return true;
             }
         }
