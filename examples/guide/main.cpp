@@ -85,9 +85,17 @@ void ExistingClasses() {
                 spelling->IsRight("receive") ? "right" : "wrong");
 }
 
+// Classes that are named on the command line, of whatever plug-in there is.
+void PlugIns(int count, char** names) {
+    for (int i = 1; i < count; ++i) {
+        const auto titled = lyr::TryCreate<ITitled>(names[i]);
+        std::printf("plug-ins: %s\n", titled ? titled->Title() : "none of that name");
+    }
+}
+
 }  // namespace
 
-int main() {
+int main(int count, char** words) {
     const lyr::Runtime runtime;
     Creation();
     Interfaces();
@@ -96,4 +104,5 @@ int main() {
     Threads();
     Owners();
     ExistingClasses();
+    PlugIns(count, words);
 }

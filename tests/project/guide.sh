@@ -1,8 +1,10 @@
 #!/bin/bash
 # guide.sh <build directory> <compiler>: does what the guide begins with as its reader would, with an
-# installed tree and the files in an empty folder. Then, that the component takes at most 15 lines.
+# installed tree and the files in an empty folder, and sees that the component takes at most 15 lines.
+# Then a plug-in of others comes to the guide's application.
 set -euo pipefail
-tutorial=$(cd "$(dirname "$0")" && pwd)/../../examples/tutorial
+examples=$(cd "$(dirname "$0")" && pwd)/../../examples
+tutorial=$examples/tutorial
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 unset LYRDictionaryPath LYRDictionaryNoPathNoFallback LD_LIBRARY_PATH
@@ -19,3 +21,15 @@ diff -u "$tutorial/libGreeter.dicts" build/lib*/Greeting/dictionary/libGreeter.d
 
 lines=$(cat "${files[@]}" | grep -cvE '^[[:space:]{};]*$')
 ((lines <= 15)) || { echo "the greeter takes $lines lines" >&2; exit 1; }
+
+for project in guide plug-in; do
+    cmake -G Ninja -S "$examples/$project" -B "$work/$project" \
+        -DCMAKE_PREFIX_PATH="$package" -DCMAKE_INSTALL_LIBDIR=lib
+    cmake --build "$work/$project"
+    cmake --install "$work/$project" --prefix "$work/installed"
+done
+mv "$work/installed" "$work/elsewhere"
+"$work/elsewhere/bin/notes" Haiku Sonnet |
+    diff -u "$examples/guide/expected-output.txt" - >"$work/new" || true
+diff -u <(echo "+plug-ins: a haiku"; echo "+plug-ins: none of that name") \
+    <(grep '^[+-][^+-]' "$work/new")
