@@ -25,7 +25,7 @@ LYR_COMPONENT(Binder, IBinder) {
     lyr::Ref<IPage> AddPage() override {
         const lyr::Ref<Page> page = lyr::Make<Page>(_shared);
         const std::lock_guard<std::mutex> guard(_mutex);
-        _pages.push_back(page);
+        _pages.emplace_back(page);
         return page;
     }
 

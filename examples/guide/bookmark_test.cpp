@@ -1,4 +1,4 @@
-#include "Bookmark.cpp"
+#include "Bookmark.cpp"  // NOLINT(bugprone-suspicious-include): nobody else sees the class
 #include <lyr/test.h>
 #include <cstdio>
 
