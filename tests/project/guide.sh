@@ -29,7 +29,6 @@ for project in guide plug-in; do
     cmake --install "$work/$project" --prefix "$work/installed"
 done
 mv "$work/installed" "$work/elsewhere"
-"$work/elsewhere/bin/notes" Haiku Sonnet |
-    diff -u "$examples/guide/expected-output.txt" - >"$work/new" || true
-diff -u <(echo "+plug-ins: a haiku"; echo "+plug-ins: none of that name") \
-    <(grep '^[+-][^+-]' "$work/new")
+diff -u <(cat "$examples/guide/expected-output.txt"
+    echo "plug-ins: a haiku"
+    echo "plug-ins: none of that name") <("$work/elsewhere/bin/notes" Haiku Sonnet)
