@@ -1,14 +1,23 @@
 #include "Interfaces.h"
+#include <LYRSysTSConvertStringToGUID.h>
 #include <cstdio>
 #include <thread>
 
 namespace {
+
+// A class id that stands in a file.
+lyr::Ref<IText> FromFile(const char* idInBraces) {
+    CLSID id{};
+    if (LYRSysTSConvertStringToGUID(idInBraces, id) != 0) return nullptr;
+    return lyr::TryCreate<IText>(id);
+}
 
 void Creation() {
     const auto byName = lyr::Create<IText>("Note");
     const auto byId = lyr::Create<IText>(kNoteId);
     byName->Add("two words");
     std::printf("creation: %d characters and %d\n", byName->Length(), byId->Length());
+    if (FromFile("{9961B330-9129-44B3-AEB1-5C563DE03ED1}")) std::printf("creation: by a text\n");
     if (!lyr::TryCreate<IText>("Scroll")) std::printf("creation: no Scroll\n");
     try {
         lyr::Create<IText>("Scroll")->Add("");
