@@ -65,10 +65,10 @@ symbols=$(nm -D --defined-only libLyrTestNames.so | grep LYRSysTSCreateI)
 ! grep -v ' T ' <<<"$symbols" || { echo "these are no functions" >&2; exit 1; }
 
 # What is written on the kit is not much more for the compiler than what is written by hand.
-lines() { "$compiler" "${flags[@]}" -std=c++17 -I"$tutorial/../support" -E "$1" | wc -l; }
-tutorial=$here/../../examples/tutorial
+lines() { "$compiler" "${flags[@]}" -std=c++17 -I"$examples/support" -E "$1" | wc -l; }
+examples=$here/../../examples
 for source in Greeter main; do
-    kit=$(lines "$here/greeter/$source.cpp")
-    raw=$(lines "$tutorial/$source.cpp")
+    kit=$(lines "$examples/tutorial/$source.cpp")
+    raw=$(lines "$examples/by-hand/$source.cpp")
     ((2 * kit <= 3 * raw)) || { echo "$source: $kit lines, by hand $raw" >&2; exit 1; }
 done

@@ -11,7 +11,7 @@ cmake --install "$1" --prefix "$work/installed" >/dev/null
 prefix="$work/the package"
 mv "$work/installed" "$prefix"
 source="$work/the source" build="$work/the build"
-cp -r "$here/../../examples/tutorial" "$source"
+cp -r "$here/../../examples/by-hand" "$source"
 cp -r "$here/../../examples/support" "$here"/components/* "$source"
 common=(-G "$3" "-DCMAKE_CXX_COMPILER=$2" "-DCMAKE_PREFIX_PATH=$prefix")
 dictionaries="$build/lib/Greeting/dictionary"

@@ -1,9 +1,11 @@
 #!/bin/bash
 # install_consumer.sh <build directory> <compiler>: installs, moves the installed tree, and builds and
-# runs the tutorial against it as a project of its own, once found through CMake and once through
-# pkg-config. Then, that a project which contains this one installs nothing of it unasked.
+# runs the examples of a greeter against it, without the kit as a project of its own, found through
+# CMake, and both through pkg-config. Then, that a project which contains this one installs nothing of
+# it unasked.
 set -euo pipefail
-source=$(cd "$(dirname "$0")" && pwd)/../../examples/tutorial
+source=$(cd "$(dirname "$0")" && pwd)/../../examples/by-hand
+kit=$source/../tutorial
 compiler=$2
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
@@ -14,7 +16,7 @@ prefix=$work/moved
 cmake -G Ninja -S "$source" -B "$work/cmake" \
     -DCMAKE_PREFIX_PATH="$prefix" -DCMAKE_CXX_COMPILER="$compiler"
 cmake --build "$work/cmake"
-"$source/run" "$work/cmake" | diff -u "$source/expected-output.txt" -
+"$source/run" "$work/cmake" | diff -u "$kit/expected-output.txt" -
 
 mkdir "$work/pkg-config"
 cd "$work/pkg-config"
@@ -28,15 +30,14 @@ eval "libs=($(pkg-config --libs LYRComponentModel))"
 # An old run path leads to the components too, a new one to libLYRComponentModel alone.
 "$compiler" -std=c++17 "${flags[@]}" "$source/main.cpp" "${libs[@]}" -o greet \
     -Wl,--disable-new-dtags "-Wl,-rpath,$libdir" "-Wl,-rpath,\$ORIGIN"
-LYRDictionaryPath=$source/dictionary ./greet | diff -u "$source/expected-output.txt" -
+LYRDictionaryPath=$source/dictionary ./greet | diff -u "$kit/expected-output.txt" -
 
 # The same on the kit.
-kit=$source/../../tests/kit/greeter
 mkdir kit
 "$compiler" -std=c++17 -shared -fPIC "${flags[@]}" "$kit/Greeter.cpp" "${libs[@]}" -o kit/libGreeter.so
 "$compiler" -std=c++17 "${flags[@]}" "$kit/main.cpp" "${libs[@]}" -o kit/greet \
     -Wl,--disable-new-dtags "-Wl,-rpath,$libdir" "-Wl,-rpath,\$ORIGIN"
-LYRDictionaryPath=$source/dictionary kit/greet | diff -u "$source/expected-output.txt" -
+LYRDictionaryPath=$source/dictionary kit/greet | diff -u "$kit/expected-output.txt" -
 
 echo 'int main() { return LYRVersion() != LYR_VERSION; }' >version.cpp
 "$compiler" -std=c++17 "${flags[@]}" -include LYRVersion.h version.cpp -o version \

@@ -1,0 +1,5 @@
+#include "Interfaces.h"
+
+LYR_COMPONENT(Haiku, ITitled) {
+    const char* Title() override { return "a haiku"; }
+};

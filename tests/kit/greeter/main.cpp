@@ -1,2 +1,0 @@
-#include "IGreeter.h"
-int main() { lyr::Create<IGreeter>("Greeter")->Greet("world"); }
