@@ -60,9 +60,13 @@ struct IPartView : IUnknown { LYR_INTERFACE(IPartView, "a3000000-0000-4000-8000-
 LYR_COMPONENT(View, IPart) {};
 LYR_COMPONENT(Other, IPartView) {};
 END
-library Names "${flags[@]}" -std=c++17 -O2 names.cpp
-symbols=$(nm -D --defined-only libLyrTestNames.so | grep LYRSysTSCreateI)
-! grep -v ' T ' <<<"$symbols" || { echo "these are no functions" >&2; exit 1; }
+if library Names "${flags[@]}" -std=c++17 -O2 names.cpp 2>names.log; then
+    symbols=$(nm -D --defined-only libLyrTestNames.so | grep LYRSysTSCreateI)
+    ! grep -v ' T ' <<<"$symbols" || { echo "these are no functions" >&2; exit 1; }
+else
+    # clang, which wants something of the interface's name defined, says so.
+    grep "^error: LYRSysTSCreateIPartView changed binding" names.log || { cat names.log >&2; exit 1; }
+fi
 
 # What is written on the kit is not much more for the compiler than what is written by hand.
 lines() { "$compiler" "${flags[@]}" -std=c++17 -I"$examples/support" -E "$1" | wc -l; }
