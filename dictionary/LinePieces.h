@@ -6,7 +6,7 @@
 namespace lyr::internal {
 
 /// A piece of a file, up to `end`, where a NUL stands or the piece's line feed. Both may be
-/// changed.
+/// changed. Eight more characters behind `end` can be read, whatever they are.
 struct LinePiece {
     char* begin;
     char* end;
@@ -16,9 +16,6 @@ struct LinePiece {
 /// characters if that comes first. It reads in large blocks and leaves each piece where it lies.
 class LinePieces {
 public:
-    /// How many characters behind a piece's end can be read, whatever they are.
-    static constexpr std::size_t kReadableBehind = 8;
-
     /// Reads from the stream, which nobody else may use meanwhile.
     explicit LinePieces(std::FILE* file) : _file(file) {}
     LinePieces(const LinePieces&) = delete;
@@ -41,7 +38,7 @@ private:
     char* _end = _buffer;
     char* _borrowed = nullptr;  // where a piece's NUL stands in the place of a character
     char _character = '\0';     // of the piece behind it
-    char _buffer[kBlock + 1 + kReadableBehind] = {};
+    char _buffer[kBlock + 1 + 8] = {};
 };
 
 }  // namespace lyr::internal
