@@ -18,6 +18,8 @@ constexpr const char* LYRSysTSInfoDic::*kTextFields[] = {
     &LYRSysTSInfoDic::className, &LYRSysTSInfoDic::interfaceName, &LYRSysTSInfoDic::sharedLibrary,
     &LYRSysTSInfoDic::itfLeaf,   &LYRSysTSInfoDic::extendedBy,
 };
+constexpr const char* kTextNames[] = {"class", "interface", "library", "leaf interface",
+                                      "extension"};
 constexpr const GUID* LYRSysTSInfoDic::*kIdFields[] = {&LYRSysTSInfoDic::clsid,
                                                        &LYRSysTSInfoDic::iid};
 
@@ -59,7 +61,10 @@ bool Addition::Prepare(LYRSysTSInfoDic* info) {
     LYRSysTSInfoDic* const existing = Existing();
     _isNew = existing == nullptr;
     if (_isNew && !Table().Reserve(_bucket, _hash)) throw std::bad_alloc();
-    if (existing != nullptr && info != nullptr && info != existing) return false;
+    if (existing != nullptr && info != nullptr && info != existing) {
+        _contradiction.field = "record";
+        return false;
+    }
     LYRSysTSInfoDic* const known = existing != nullptr ? existing : info;
     if (known != nullptr && ContradictsRecord(*known)) return false;
     LYRSysTSInfoDic* const record = known != nullptr ? known : DictionaryTables::UnusedRecord();
@@ -68,18 +73,26 @@ bool Addition::Prepare(LYRSysTSInfoDic* info) {
     return true;
 }
 
-bool Addition::ContradictsRecord(const LYRSysTSInfoDic& record) const {
+bool Addition::ContradictsRecord(const LYRSysTSInfoDic& record) {
     for (std::size_t i = 0; i < kIds; ++i) {
         const GUID* const stored = record.*kIdFields[i];
-        if (stored != nullptr && _ids[i] != nullptr && *stored != *_ids[i]) return true;
+        if (stored == nullptr || _ids[i] == nullptr || *stored == *_ids[i]) continue;
+        _contradiction.field = i == 0 ? "class id" : "interface id";
+        return true;
     }
     for (std::size_t i = 0; i < kTexts; ++i) {
         const char* const stored = record.*kTextFields[i];
         const char* const given = _texts[i].text;
-        if (stored != nullptr && given != nullptr && !SameText(stored, given)) return true;
+        if (stored == nullptr || given == nullptr || SameText(stored, given)) continue;
+        _contradiction.field = kTextNames[i];
+        _contradiction.known = stored;
+        _contradiction.given = given;
+        return true;
     }
     const LYRSysTSInterfaceFactory stored = record.creator;
-    return stored != nullptr && _creator != nullptr && stored != _creator;
+    if (stored == nullptr || _creator == nullptr || stored == _creator) return false;
+    _contradiction.field = "function that makes it";
+    return true;
 }
 
 bool Addition::InternMissing(const LYRSysTSInfoDic& record) {
@@ -109,13 +122,23 @@ void Addition::Commit() {
     if (_record == DictionaryTables::unused) DictionaryTables::unused = nullptr;
 }
 
+Contradiction Addition::Refused() const {
+    Contradiction contradiction = _contradiction;
+    contradiction.className = _texts[0].text;
+    contradiction.interfaceName = _texts[1].text;
+    return contradiction;
+}
+
 Refusals::~Refusals() {
-    for (; count > 0; --count) Say("Problem allocating structure dico\n");
+    for (int i = 0; i < _count; ++i) {
+        Say("Problem allocating structure dico\n");
+        if (Listener* const listener = CurrentListener()) listener->OnContradiction(_reasons[i]);
+    }
 }
 
 void PairedAddition::Make(Refusals& refusals) {
-    if (!byIds.Prepare(byNames.Existing())) ++refusals.count;
-    if (!byNames.Prepare(byIds.Record())) ++refusals.count;
+    if (!byIds.Prepare(byNames.Existing())) refusals.Add(byIds);
+    if (!byNames.Prepare(byIds.Record())) refusals.Add(byNames);
     // The names bring the library, the ids a creator.
     byNames.Commit();
     byIds.Commit();
@@ -132,7 +155,7 @@ LYRSysTSInfoDic* Add(Addition& addition, LYRSysTSInfoDic* info) {
     if (RefuseOnShortage(false, prepare)) {
         addition.Commit();
     } else {
-        ++refusals.count;
+        refusals.Add(addition);
     }
     return addition.Record();
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "dictionary/DictionaryTables.h"
+#include "support/Listener.h"
 
 namespace lyr::internal {
 
@@ -25,11 +26,14 @@ public:
     /// The record that the addition works on; null until it is prepared, and when it was refused.
     LYRSysTSInfoDic* Record() const { return _record; }
 
+    /// What was said before, when it was refused for that.
+    Contradiction Refused() const;
+
     /// Makes a prepared addition; without one it does nothing.
     void Commit() LYR_REQUIRES(GetGlobalDicoMutex());
 
 private:
-    bool ContradictsRecord(const LYRSysTSInfoDic& record) const;
+    bool ContradictsRecord(const LYRSysTSInfoDic& record);
     bool InternMissing(const LYRSysTSInfoDic& record);
 
     EntryTable& Table() const LYR_REQUIRES(GetGlobalDicoMutex());
@@ -44,6 +48,8 @@ private:
     const char* _missingTexts[kTexts] = {};
     const GUID* _missingIds[kIds] = {};
 
+    Contradiction _contradiction;
+
     const bool _isByName;
     const std::size_t _hash;
     const int _bucket;
@@ -51,15 +57,22 @@ private:
     bool _isNew = false;  // the table does not have it yet
 };
 
-/// Says at its end, on standard error, how many additions the dictionary has refused, also when its
-/// owner fails later on. It stands before the lock is taken, so that it speaks after it.
-struct Refusals {
-    int count = 0;
+/// Says at its end that the dictionary has refused additions, each of them, also when its owner
+/// fails later on. It stands before the lock is taken, so that it speaks after it; the texts that
+/// were to be added outlive it.
+class Refusals {
+public:
+    /// At most two.
+    void Add(const Addition& addition) { _reasons[_count++] = addition.Refused(); }
 
     Refusals() = default;
     ~Refusals();
     Refusals(const Refusals&) = delete;
     Refusals& operator=(const Refusals&) = delete;
+
+private:
+    Contradiction _reasons[2];
+    int _count = 0;
 };
 
 /// The additions of one record by ids and by names, made together: others see no state between the

@@ -7,6 +7,7 @@
 #include "dictionary/DictionaryTables.h"
 #include "dictionary/Messages.h"
 #include "registries/Intern.h"
+#include "support/Listener.h"
 #include "support/Shortage.h"
 #include "support/Text.h"
 
@@ -62,6 +63,24 @@ private:
     int _count;
 };
 
+/// Tells the listener of each line, before its reader has it.
+class HeardReader final : public LYRSysTSDictionaryReader {
+public:
+    HeardReader(LYRSysTSDictionaryReader& reader, Listener& listener)
+        : _reader(reader), _listener(listener) {}
+
+    HRESULT PutInfo(char** words, int count, const char* path, int lineNumber) override {
+        _listener.BeforeLine(path, lineNumber, words, count);
+        const HRESULT result = _reader.PutInfo(words, count, path, lineNumber);
+        _listener.AfterLine();
+        return result;
+    }
+
+private:
+    LYRSysTSDictionaryReader& _reader;
+    Listener& _listener;
+};
+
 void ScanFile(const std::string& path) {
     LYRSysTSDicReader dicReader;
     LYRSysTSIidReader iidReader;
@@ -70,7 +89,13 @@ void ScanFile(const std::string& path) {
     const int kind = LYRSysTSDictionary::_SelectionByExt(path.c_str());
     // A file that cannot be opened and a bad line have said why; the scan goes on with the next
     // file.
-    static_cast<void>(LYRSysTSDictionary::_ReadDictionary(path.c_str(), readers[kind]));
+    Listener* const listener = CurrentListener();
+    if (listener == nullptr) {
+        static_cast<void>(LYRSysTSDictionary::_ReadDictionary(path.c_str(), readers[kind]));
+        return;
+    }
+    HeardReader heard(*readers[kind], *listener);
+    static_cast<void>(LYRSysTSDictionary::_ReadDictionary(path.c_str(), &heard));
 }
 
 void ScanDirectory(const std::string& directory) LYR_REQUIRES(GetGlobalDicoMutex()) {
@@ -132,13 +157,7 @@ bool Scan() LYR_REQUIRES(GetGlobalDicoMutex()) {
     const unsigned before = shortages;
     RefuseOnShortage(false, []() LYR_REQUIRES(GetGlobalDicoMutex()) {
         const MetNames metNames;
-        ForEachListedDirectory([](const char* directory) LYR_REQUIRES(GetGlobalDicoMutex()) {
-            ScanDirectory(directory);
-            return true;
-        });
-        for (const Folder* folder = folders; folder != nullptr; folder = folder->next) {
-            ScanDirectory(folder->path);
-        }
+        for (const std::string& folder : DictionaryFolders()) ScanDirectory(folder);
         return true;
     });
     return shortages == before;
@@ -175,6 +194,27 @@ bool IsFirstOfItsName(const char* name) {
     if (slot.link != nullptr) return false;
     head = new ReadFileLink{internedName, head};
     return true;
+}
+
+FilesState StateOfDictionaryFiles() {
+    if (DictionaryInitialized) return FilesState::kRead;
+    const MutexGuard guard(*GetGlobalDicoMutex());
+    if (DictionaryTables::MetNames() != nullptr) return FilesState::kBeingRead;
+    if (DictionaryInitialized) return FilesState::kRead;
+    return MayReadNothing() ? FilesState::kNoFolders : FilesState::kNotRead;
+}
+
+std::vector<std::string> DictionaryFolders() {
+    const MutexGuard guard(*GetGlobalDicoMutex());
+    std::vector<std::string> all;
+    ForEachListedDirectory([&](const char* directory) {
+        all.emplace_back(directory);
+        return true;
+    });
+    for (const Folder* folder = folders; folder != nullptr; folder = folder->next) {
+        all.push_back(folder->path);
+    }
+    return all;
 }
 
 NamedFolder NameFolder(const char* path) {

@@ -59,7 +59,7 @@ LYRSysTSInfoDic* LYRSysTSDictionary::AddDictionaryTS(const GUID* clsid, const GU
         both.Make(refusals);
         return true;
     };
-    if (!lyr::internal::RefuseOnShortage(false, make)) ++refusals.count;
+    if (!lyr::internal::RefuseOnShortage(false, make)) refusals.Add(both.byNames);
     return both.byNames.Record();
 }
 

@@ -16,7 +16,7 @@ struct dirent;
 
 namespace lyr::internal {
 struct DictionaryTables;
-struct Refusals;
+class Refusals;
 }  // namespace lyr::internal
 
 /// The dictionary's lock, never null. It guards both tables and the fields of their records. A

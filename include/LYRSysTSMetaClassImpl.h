@@ -5,8 +5,10 @@
 #include <cstdint>
 
 namespace lyr::internal {
+class ExplainedSearch;
+class Notes;
 struct SearchResult;
-}
+}  // namespace lyr::internal
 
 /// One remembered answer: the interned id of an interface and its factory.
 struct FactoryEntry {
@@ -54,11 +56,19 @@ public:
     LYRSysTSInterfaceFactory _QueryFromDictionary(const GUID& iid) const;
 
 private:
+    friend class lyr::internal::ExplainedSearch;
+
     /// What the cache and the table remember, else what a search finds, which is then remembered
-    /// unless it may pass.
-    LYR_LOCAL lyr::internal::SearchResult Ask(const GUID& iid);
-    LYR_LOCAL lyr::internal::SearchResult AskBase(const GUID& iid);
-    LYR_LOCAL lyr::internal::SearchResult Search(const GUID& iid);
+    /// unless it may pass. `notes` are null as a rule.
+    LYR_LOCAL lyr::internal::SearchResult Ask(const GUID& iid, lyr::internal::Notes* notes);
+    LYR_LOCAL lyr::internal::SearchResult AskBase(const GUID& iid, lyr::internal::Notes* notes);
+    LYR_LOCAL lyr::internal::SearchResult Search(const GUID& iid, lyr::internal::Notes* notes);
+
+    /// Search, heard by the listener if there is one.
+    LYR_LOCAL lyr::internal::SearchResult SearchHeard(const GUID& iid);
+
+    /// Notes what the table remembers.
+    LYR_LOCAL void NoteAnswer(LYRSysTSInterfaceFactory answer, lyr::internal::Notes& notes) const;
 
     /// What the table remembers, or null; the cache remembers it from now on.
     LYR_LOCAL LYRSysTSInterfaceFactory Recall(const GUID& iid);

@@ -5,9 +5,11 @@
 #include "LYRSysTSMetaClassExt.h"
 #include "LYRThrLibraryManager.h"
 #include "dictionary/DictionaryScan.h"
+#include "dictionary/DictionaryTables.h"
 #include "dictionary/EntryCopy.h"
 #include "dictionary/InterfaceName.h"
 #include "support/AddressCast.h"
+#include "support/Notes.h"
 #include "support/Shortage.h"
 
 #include <chrono>
@@ -58,54 +60,111 @@ private:
 }  // namespace
 
 SearchResult DictionarySearch::Run() {
-    _filesAreRead = EnsureDictionaryFilesAreRead();
+    _filesAreRead = EnsureFilesAreRead();
     _mayPass = !_filesAreRead;
     BeginLook();
     const LYRSysTSInterfaceFactory factory = Find();
-    return {factory, factory == nullptr && (_mayPass || MayHaveBeenLoading())};
+    const bool mayPass = factory == nullptr && (_mayPass || MayHaveBeenLoading());
+    if (mayPass && _filesAreRead) Note(Cause::kLoading);
+    return {factory, mayPass};
+}
+
+bool DictionarySearch::EnsureFilesAreRead() const {
+    if (_notes == nullptr) return EnsureDictionaryFilesAreRead();
+    if (DictionaryTables::Deleted()) Note(Cause::kDictionaryClosed);
+    const bool mayRead = _notes->MayRead();
+    if (mayRead && !EnsureDictionaryFilesAreRead()) {
+        Note(Cause::kFilesBeingRead);
+        return false;
+    }
+    switch (StateOfDictionaryFiles()) {
+        case FilesState::kRead:
+            return true;
+        case FilesState::kNoFolders:
+            Note(Cause::kNoFolders);
+            return true;
+        case FilesState::kBeingRead:
+            Note(Cause::kFilesBeingRead);
+            return false;
+        default:
+            Note(Cause::kFilesNotRead);
+            return mayRead;
+    }
 }
 
 LYRSysTSInterfaceFactory DictionarySearch::Find() {
     // Each of the look-ups asks for the dictionary files by itself: without a path to them, each
     // says so again. But what has just failed is not tried again at once.
-    const short load = _filesAreRead ? 1 : 0;
+    const short load = _filesAreRead && MayRemember() ? 1 : 0;
     const GUID* const clsid = _asked.GetClassId();
     const EntryCopy known = clsid != nullptr ? EntryCopy::Of(*clsid, _iid, load) : EntryCopy{};
     // What stands under this id is a meta-object, and no factory.
     if (_iid == CLSID_LYRSysTSMetaClass) return nullptr;
-    if (known.creator != nullptr) return known.library != nullptr ? known.creator : nullptr;
+    if (known.creator == nullptr) return FindByNames(clsid, load);
+    Note(known.library != nullptr ? Cause::kKnownAnswer : Cause::kNoLibrary, known.library);
+    return known.library != nullptr ? known.creator : nullptr;
+}
 
-    const char* const interfaceName = InterfaceName(_iid, load);
+LYRSysTSInterfaceFactory DictionarySearch::FindByNames(const GUID* clsid, short load) {
+    const char* const interfaceName = _interfaceName = InterfaceName(_iid, load);
+    if (interfaceName == nullptr && _filesAreRead) Note(Cause::kIdWithoutName);
     const EntryCopy entry = EntryCopy::Of(_asked.IsA(), interfaceName, load);
-    if (entry.record == nullptr || entry.library == nullptr) return nullptr;
+    if (entry.record == nullptr) {
+        if (interfaceName != nullptr) Note(Cause::kNoEntry);
+        return nullptr;
+    }
+    Note(Cause::kEntryFound, entry.library, entry.leaf != nullptr ? entry.leaf : entry.extension);
+    if (entry.library == nullptr) {
+        Note(Cause::kNoLibrary);
+        return nullptr;
+    }
     if (entry.leaf != nullptr && !LeafImplements(entry.leaf)) return nullptr;
     if (entry.extension != nullptr && !Extends(entry)) return nullptr;
 
     const LYRSysTSInterfaceFactory factory = FindEntryPoint(entry, interfaceName);
-    if (factory != nullptr && clsid != nullptr) {
+    if (factory != nullptr && clsid != nullptr && MayRemember()) {
         LYRSysTSDictionary::AddDictionaryTS(*clsid, _iid, factory, entry.record);
     }
     return factory;
 }
 
+void DictionarySearch::Note(Cause cause, const char* library, const char* other,
+                            const char* symbol) const {
+    if (_notes == nullptr) return;
+    _notes->Add(cause, _asked.IsA(), _interfaceName, library, other, symbol);
+}
+
+bool DictionarySearch::MayRemember() const {
+    return _notes == nullptr || _notes->MayRemember();
+}
+
 /// Whether the leaf interface is derived from the one that is asked for.
 bool DictionarySearch::LeafImplements(const char* leaf) const {
     const LYRSysTSMetaClass* const metaObject = LYRSysTSDictionary::QueryMetaObject(leaf);
-    return metaObject != nullptr && metaObject->IsAKindOf(_iid) != 0;
+    if (metaObject != nullptr && metaObject->IsAKindOf(_iid) != 0) return true;
+    Note(metaObject == nullptr ? Cause::kUnknownLeaf : Cause::kLeafNotDerived, nullptr, leaf);
+    return false;
 }
 
 /// Whether the entry's extension extends the class. The library that makes it may be loading in
 /// another thread, with this class still to be named.
 bool DictionarySearch::Extends(const EntryCopy& entry) {
     LYRSysTSMetaClassBase* const metaObject = FindOrLoadClass(entry.extension, entry.library);
-    if (metaObject == nullptr) return false;
+    if (metaObject == nullptr) {
+        Note(Cause::kUnknownExtension, entry.library, entry.extension);
+        return false;
+    }
     LYRSysTSMetaClassExt* const extension = metaObject->CastToMetaExtension();
-    if (extension == nullptr) return false;
+    if (extension == nullptr) {
+        Note(Cause::kNotAnExtension, entry.library, entry.extension);
+        return false;
+    }
     if (Lists(*extension)) return true;
     Patience patience;
-    while (MayHaveBeenLoading() && patience.Wait()) {
+    while (MayRemember() && MayHaveBeenLoading() && patience.Wait()) {
         if (Lists(*extension)) return true;
     }
+    Note(Cause::kNotExtended, entry.library, entry.extension);
     return false;
 }
 
@@ -119,8 +178,9 @@ bool DictionarySearch::Lists(LYRSysTSMetaClassExt& extension) {
 /// The class, loading the library that is said to make its meta-object if there is none yet.
 LYRSysTSMetaClassBase* DictionarySearch::FindOrLoadClass(const char* name, const char* library) {
     if (LYRSysTSMetaClassBase* const found = FindClass(name)) return found;
-    void* const handle =
-        Load([=](bool& mayPass) { return LYRThrLibraryManager::TryLoadLibrary(library, mayPass); });
+    void* const handle = Load(library, nullptr, [=, this](bool& mayPass) {
+        return LYRThrLibraryManager::TryLoadLibrary(library, mayPass, _notes);
+    });
     return handle != nullptr ? FindClass(name) : nullptr;
 }
 
@@ -128,21 +188,28 @@ LYRSysTSInterfaceFactory DictionarySearch::FindEntryPoint(const EntryCopy& entry
                                                           const char* interfaceName) {
     const auto name = EntryPointName(entry, interfaceName, _asked.IsA());
     if (!name) {
+        Note(Cause::kNoMemory);
         _mayPass = true;
         return nullptr;
     }
-    return ToFunction<LYRSysTSInterfaceFactory>(Load([&](bool& mayPass) {
-        return LYRThrLibraryManager::TryGetFunctionAddress(entry.library, name->c_str(), mayPass);
-    }));
+    const char* const symbol = name->c_str();
+    void* const address = Load(entry.library, symbol, [&](bool& mayPass) {
+        return LYRThrLibraryManager::TryGetFunctionAddress(entry.library, symbol, mayPass, _notes);
+    });
+    if (address != nullptr) Note(Cause::kAnswered, entry.library, nullptr, symbol);
+    return ToFunction<LYRSysTSInterfaceFactory>(address);
 }
 
 /// What the library manager answers, which may load a library for it.
 template <typename Ask>
-void* DictionarySearch::Load(Ask ask) {
+void* DictionarySearch::Load(const char* library, const char* symbol, Ask ask) {
     if (MayHaveBeenLoading()) _mayPass = true;
     bool mayPass = false;
     void* const answer = ask(mayPass);
     if (mayPass) _mayPass = true;
+    if (_notes != nullptr) {
+        _notes->AddLoad(answer, _asked.IsA(), _interfaceName, library, symbol);
+    }
     BeginLook();
     return answer;
 }

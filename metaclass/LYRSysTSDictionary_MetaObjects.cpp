@@ -5,6 +5,7 @@
 #include "metaclass/ToExtension.h"
 #include "registries/Intern.h"
 #include "support/AddressCast.h"
+#include "support/Listener.h"
 #include "support/MutexGuard.h"
 #include "support/Shortage.h"
 #include "support/Text.h"
@@ -34,6 +35,49 @@ LYRSysTSMetaClassBase* MakeMetaObject(const char* name, LYRSysTSTypeOfClass type
     }
 }
 
+LYRSysTSTypeOfClass KindOf(LYRSysTSMetaClass& metaObject) {
+    LYRSysTSMetaClassExt* const extension = lyr::internal::ToExtension(&metaObject);
+    if (extension != nullptr) return extension->GetExtensionType();
+    const bool hasFactories = dynamic_cast<LYRSysTSMetaClassImpl*>(&metaObject) != nullptr;
+    return hasFactories ? ImplementationClass : PlainClass;
+}
+
+/// What tells the class that has a meta-object from the one that now asks for it by the same name;
+/// null for nothing.
+const char* Difference(LYRSysTSMetaClass& known, LYRSysTSTypeOfClass type, const GUID* clsid,
+                       const LYRSysTSMetaClass* base) {
+    const GUID* const knownId = known.GetClassId();
+    if (clsid != nullptr && knownId != nullptr && *clsid != *knownId) return "class id";
+    if (base != nullptr && base != known.GetMetaObjectOfBaseClass()) return "base class";
+    return KindOf(known) != type ? "kind of class" : nullptr;
+}
+
+/// Tells the listener at its end that two classes of one name share one meta-object, which is the
+/// first one's. It stands before the lock is taken.
+class Sharing {
+public:
+    Sharing() = default;
+    ~Sharing() {
+        lyr::internal::Listener* const listener = lyr::internal::CurrentListener();
+        if (_difference != nullptr && listener != nullptr) {
+            listener->OnContradiction({_className, "MetaObject", _difference});
+        }
+    }
+    Sharing(const Sharing&) = delete;
+    Sharing& operator=(const Sharing&) = delete;
+
+    void Look(LYRSysTSMetaClass& known, LYRSysTSTypeOfClass type, const GUID* clsid,
+              const LYRSysTSMetaClass* base) {
+        if (lyr::internal::CurrentListener() == nullptr) return;
+        _className = known.IsA();
+        _difference = Difference(known, type, clsid, base);
+    }
+
+private:
+    const char* _className = nullptr;
+    const char* _difference = nullptr;
+};
+
 }  // namespace
 
 LYRSysTSMetaClass* LYRSysTSDictionary::CreateMetaObject(const char* name, LYRSysTSTypeOfClass type,
@@ -59,8 +103,10 @@ LYRSysTSMetaClass* LYRSysTSDictionary::FindOrCreateMetaObject(const char* name,
                                                               const char* extendedName) {
     if (name == nullptr || lyr::internal::SameText(name, "LYRNull")) return nullptr;
     lyr::internal::Refusals refusals;
+    Sharing sharing;
     const lyr::internal::MutexGuard guard(*GetGlobalDicoMutex());
     LYRSysTSMetaClass* metaObject = QueryMetaObject(name);
+    if (metaObject != nullptr) sharing.Look(*metaObject, type, clsid, base);
     if (metaObject == nullptr) metaObject = CreateMetaObject(name, type, clsid, base, refusals);
     LYRSysTSMetaClassExt* const extension = lyr::internal::ToExtension(metaObject);
     if (extension != nullptr && !extension->TryToList(extendedName)) throw std::bad_alloc();

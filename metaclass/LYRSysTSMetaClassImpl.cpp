@@ -3,8 +3,11 @@
 #include "LYRSysTSDicoGUID.h"
 #include "metaclass/DictionarySearch.h"
 #include "metaclass/FactoryCache.h"
+#include "metaclass/PlainTable.h"
 #include "support/GuidBytes.h"
+#include "support/Listener.h"
 #include "support/MutexGuard.h"
+#include "support/Notes.h"
 
 #include <algorithm>
 #include <new>
@@ -64,25 +67,42 @@ int LYRSysTSMetaClassImpl::_AddInterfaceFactory(const GUID& iid, LYRSysTSInterfa
 }
 
 LYRSysTSInterfaceFactory LYRSysTSMetaClassImpl::_QueryFromDictionary(const GUID& iid) const {
-    return lyr::internal::DictionarySearch(*this, iid).Run().factory;
+    return lyr::internal::DictionarySearch(*this, iid, nullptr).Run().factory;
 }
 
 LYRSysTSInterfaceFactory LYRSysTSMetaClassImpl::QueryDerivationInterfaceFactory(const GUID& iid) {
-    return Ask(iid).factory;
-}
-
-SearchResult LYRSysTSMetaClassImpl::Ask(const GUID& iid) {
     LYRSysTSInterfaceFactory answer = lyr::internal::FactoryCache::Find(this, iid);
     if (answer == nullptr) answer = Recall(iid);
-    return answer != nullptr ? ForGood(answer) : Search(iid);
+    return (answer != nullptr ? ForGood(answer) : SearchHeard(iid)).factory;
 }
 
-SearchResult LYRSysTSMetaClassImpl::Search(const GUID& iid) {
-    SearchResult found = lyr::internal::DictionarySearch(*this, iid).Run();
+SearchResult LYRSysTSMetaClassImpl::SearchHeard(const GUID& iid) {
+    lyr::internal::Listener* const listener = lyr::internal::CurrentListener();
+    if (listener == nullptr) return Search(iid, nullptr);
+    lyr::internal::Notes notes(lyr::internal::Notes::Mode::kRequest);
+    const SearchResult found = Search(iid, &notes);
+    listener->AfterSearch(*this, iid, notes, found.factory != nullptr);
+    return found;
+}
+
+SearchResult LYRSysTSMetaClassImpl::Ask(const GUID& iid, lyr::internal::Notes* notes) {
+    LYRSysTSInterfaceFactory answer = lyr::internal::FactoryCache::Find(this, iid);
+    if (answer == nullptr) answer = Recall(iid);
+    if (answer == nullptr) return Search(iid, notes);
+    if (notes != nullptr) NoteAnswer(answer, *notes);
+    // Whoever explains an absence goes the road once more that has led to it.
+    const bool isAbsence = answer == _LYRSysTSNoSuchInterface;
+    if (isAbsence && notes != nullptr && !notes->MayRemember()) Search(iid, notes);
+    return ForGood(answer);
+}
+
+SearchResult LYRSysTSMetaClassImpl::Search(const GUID& iid, lyr::internal::Notes* notes) {
+    SearchResult found = lyr::internal::DictionarySearch(*this, iid, notes).Run();
     if (found.factory == nullptr) {
-        const SearchResult ofBase = AskBase(iid);
+        const SearchResult ofBase = AskBase(iid, notes);
         found = {ofBase.factory, found.mayPass || ofBase.mayPass};
     }
+    if (notes != nullptr && !notes->MayRemember()) return found;
     if (found.mayPass) {
         const LYRSysTSInterfaceFactory ofAnother = _GetInterfaceFactory(iid);
         return ofAnother != nullptr ? ForGood(ofAnother) : found;
@@ -91,14 +111,30 @@ SearchResult LYRSysTSMetaClassImpl::Search(const GUID& iid) {
     return ForGood(RememberFirst(iid, found.factory != nullptr ? found.factory : absence));
 }
 
-SearchResult LYRSysTSMetaClassImpl::AskBase(const GUID& iid) {
+SearchResult LYRSysTSMetaClassImpl::AskBase(const GUID& iid, lyr::internal::Notes* notes) {
     if (_baseMeta == nullptr) return {};
+    if (notes != nullptr) {
+        notes->Add(lyr::Cause::kBaseClass, _className, nullptr, nullptr, _baseMeta->IsA());
+    }
+    auto* const base = dynamic_cast<LYRSysTSMetaClassImpl*>(_baseMeta);
+    if (notes != nullptr) {
+        if (base != nullptr && lyr::internal::IsPlainTable(*base)) return base->Ask(iid, notes);
+        if (base != nullptr) notes->Add(lyr::Cause::kOwnSearch, _baseMeta->IsA(), nullptr);
+        // It may remember, load and call anything.
+        if (!notes->MayRemember()) return {};
+    }
     const LYRSysTSInterfaceFactory factory = _baseMeta->QueryDerivationInterfaceFactory(iid);
     // What a base with a table does not remember, it may answer otherwise the next time.
-    auto* const base = dynamic_cast<LYRSysTSMetaClassImpl*>(_baseMeta);
     const bool remembers =
         base == nullptr || base->_classId == nullptr || base->_GetInterfaceFactory(iid) != nullptr;
     return {factory, !remembers};
+}
+
+void LYRSysTSMetaClassImpl::NoteAnswer(LYRSysTSInterfaceFactory answer,
+                                       lyr::internal::Notes& notes) const {
+    const bool isAbsence = answer == _LYRSysTSNoSuchInterface;
+    notes.Add(isAbsence ? lyr::Cause::kKnownAbsence : lyr::Cause::kKnownAnswer, _className,
+              nullptr);
 }
 
 LYRSysTSInterfaceFactory LYRSysTSMetaClassImpl::Recall(const GUID& iid) {

@@ -1,6 +1,7 @@
 #include "object/ImplementationObject.h"
 
 #include "object/ObjectAccess.h"
+#include "support/Listener.h"
 
 #include <memory>
 #include <new>
@@ -8,6 +9,15 @@
 namespace lyr::internal {
 
 namespace {
+
+/// Tells the listener why there is no implementation; the result of whoever asked for one.
+[[gnu::cold]] LYRSysTSBaseUnknown* None(Cause cause, const LYRSysTSBaseUnknown& object,
+                                        const LYRSysTSMetaClass& implementation) {
+    if (Listener* const listener = CurrentListener()) {
+        listener->OnNoImplementation(cause, object.IsA(), implementation.IsA());
+    }
+    return nullptr;
+}
 
 /// Where the walk along an object's kept extensions ended: the one of the class, or the last link.
 struct KeptSearch {
@@ -42,20 +52,24 @@ std::unique_ptr<LYRSysTSBaseUnknown> Make(LYRSysTSTypeOfClass type,
     return nullptr;
 }
 
-LYRSysTSBaseUnknown* MakeTransient(LYRSysTSBaseUnknown& object, LYRSysTSBaseUnknown* (*create)()) {
+LYRSysTSBaseUnknown* MakeTransient(LYRSysTSBaseUnknown& object, const LYRSysTSMetaClass* metaClass,
+                                   LYRSysTSBaseUnknown* (*create)()) {
     std::unique_ptr<LYRSysTSBaseUnknown> instance = Make(TransientExtension, create);
-    if (instance != nullptr) ObjectAccess::SetExtended(*instance, &object);
+    if (instance == nullptr) return None(Cause::kWrongKind, object, *metaClass);
+    ObjectAccess::SetExtended(*instance, &object);
     return instance.release();
 }
 
 LYRSysTSBaseUnknown* FindOrMakeKept(LYRSysTSBaseUnknown& object, const LYRSysTSMetaClass* metaClass,
                                     LYRSysTSBaseUnknown* (*create)()) {
     // The link of an extension is no chain.
-    if (ToExtension(object.GetMetaObject()) != nullptr) return nullptr;
+    if (ToExtension(object.GetMetaObject()) != nullptr) {
+        return None(Cause::kExtendsExtension, object, *metaClass);
+    }
     if (const KeptSearch known = FindKept(object, metaClass); known.found) return known.found;
 
     std::unique_ptr<LYRSysTSBaseUnknown> instance = Make(KeptExtension, create);
-    if (instance == nullptr) return nullptr;
+    if (instance == nullptr) return None(Cause::kWrongKind, object, *metaClass);
     // Searched again: the creation function may have asked for extensions of the same object.
     const KeptSearch now = FindKept(object, metaClass);
     if (now.found != nullptr) return now.found;
@@ -95,14 +109,17 @@ LYRSysTSBaseUnknown* FindOrMakeImplementation(LYRSysTSBaseUnknown* object,
                                               LYRSysTSBaseUnknown* (*create)()) {
     if (object == nullptr || metaClass == nullptr) return nullptr;
     LYRSysTSMetaClassExt* const extension = ToExtension(metaClass);
-    if (extension == nullptr) return IsOfClass(*object, metaClass) ? object : nullptr;
+    if (extension == nullptr) {
+        return IsOfClass(*object, metaClass) ? object
+                                             : None(Cause::kNotOfClass, *object, *metaClass);
+    }
 
     // The component's first, as factories hold it while they use its extensions.
     const ObjectLock rootLock(RootOf(*object));
     const ObjectLock lock(object);
     switch (extension->GetExtensionType()) {
         case TransientExtension:
-            return MakeTransient(*object, create);
+            return MakeTransient(*object, metaClass, create);
         case KeptExtension:
             return FindOrMakeKept(*object, metaClass, create);
         default:

@@ -3,6 +3,7 @@
 #include "LYRSysTSDictionary.h"
 #include "LYRSysTSKnownIds.h"
 #include "object/ObjectAccess.h"
+#include "support/Listener.h"
 
 #include <memory>
 
@@ -15,6 +16,18 @@ LYRSysTSBaseUnknown::~LYRSysTSBaseUnknown() {
     while (_lockDepth > 0) Unlock();
     lyr::internal::ObjectAccess::SetChain(*this, nullptr);
 }
+
+namespace {
+
+/// The result of a request for which the factory gave null; the listener hears of it.
+[[gnu::cold]] HRESULT RefusedByFactory(const LYRSysTSMetaClass& asked, const GUID& iid) {
+    if (lyr::internal::Listener* const listener = lyr::internal::CurrentListener()) {
+        listener->OnFactoryGaveNull(asked, iid);
+    }
+    return E_NOINTERFACE;
+}
+
+}  // namespace
 
 void LYRSysTSBaseUnknown::Lock() {
     lyr::internal::ObjectAccess::Lock(*this);
@@ -42,10 +55,11 @@ HRESULT LYRSysTSBaseUnknown::QueryInterface(const GUID& iid, void** out) {
     IUnknown* answer = this;
     if (iid != IID_IUnknown && iid != CLSID_LYRSysTSBaseUnknown) {
         const LYRSysTSInterfaceFactory factory = base->QueryDerivationInterfaceFactory(iid);
+        if (factory == nullptr) return E_NOINTERFACE;
         const unsigned char threadSafe = lyr::internal::ObjectAccess::IsThreadSafe(*this) ? 1 : 0;
-        answer = factory != nullptr ? factory(this, threadSafe) : nullptr;
+        answer = factory(this, threadSafe);
+        if (answer == nullptr) return RefusedByFactory(*base, iid);
     }
-    if (answer == nullptr) return E_NOINTERFACE;
     ++_refCount;
     *out = answer;
     return S_OK;

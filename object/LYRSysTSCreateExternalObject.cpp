@@ -1,40 +1,29 @@
 #include "LYRSysTSCreateExternalObject.h"
 
-#include "LYRThrLibraryManager.h"
-#include "dictionary/EntryCopy.h"
-#include "support/AddressCast.h"
-#include "support/Shortage.h"
-
-#include <optional>
-#include <string>
+#include "object/Creation.h"
+#include "support/Listener.h"
+#include "support/Notes.h"
 
 namespace {
 
-using CreationFunction = void* (*)(void*);
-
-CreationFunction FindEntryPoint(const char* className, const char* library) {
-    const auto symbol = lyr::internal::RefuseOnShortage(
-        std::nullopt, [=] { return std::optional(std::string("fctLYRSysTSCreate") + className); });
-    if (!symbol) return nullptr;
-    return lyr::internal::ToFunction<CreationFunction>(
-        LYRThrLibraryManager::GetFunctionAddress(library, symbol->c_str()));
-}
-
-/// The function that creates objects of the class: the registered one, else that of the caller's
-/// library, else that of the dictionary's.
-CreationFunction FindCreationFunction(const char* className, const char* library) {
-    const auto entry = lyr::internal::EntryCopy::Of(className, "CreateInterface", 1);
-    if (entry.creator != nullptr) {
-        return lyr::internal::ToFunction<CreationFunction>(reinterpret_cast<void*>(entry.creator));
+void* Create(const char* name, const char* library, void* argument, lyr::internal::Notes* notes) {
+    const lyr::internal::CreationFunction create =
+        lyr::internal::FindCreationFunction(name, library, notes);
+    void* const object = create != nullptr ? create(argument) : nullptr;
+    if (create != nullptr && object == nullptr && notes != nullptr) {
+        notes->Add(lyr::Cause::kNothingMade, name, "CreateInterface");
     }
-    if (library == nullptr) library = entry.library;
-    return library != nullptr ? FindEntryPoint(className, library) : nullptr;
+    return object;
 }
 
 }  // namespace
 
 void* LYRSysTSCreateExternalObject(const char* name, const char* library, void* argument) {
     if (name == nullptr) return nullptr;
-    const CreationFunction create = FindCreationFunction(name, library);
-    return create != nullptr ? create(argument) : nullptr;
+    lyr::internal::Listener* const listener = lyr::internal::CurrentListener();
+    if (listener == nullptr) return Create(name, library, argument, nullptr);
+    lyr::internal::Notes notes(lyr::internal::Notes::Mode::kRequest);
+    void* const object = Create(name, library, argument, &notes);
+    if (object == nullptr) listener->OnNotCreated(name, notes);
+    return object;
 }

@@ -1,15 +1,28 @@
 #include "LYRSysTSCreateInstance.h"
 
-#include "LYRSysTSDicoCLSIDName.h"
-#include "LYRThrLibraryManager.h"
-#include "support/AddressCast.h"
+#include "object/Creation.h"
+#include "support/Listener.h"
+#include "support/Notes.h"
+
+namespace {
+
+HRESULT Create(const GUID& clsid, const GUID& iid, void** out, lyr::internal::Notes* notes) {
+    const lyr::internal::GetClassObject get = lyr::internal::FindGetClassObject(clsid, notes);
+    const HRESULT result = get != nullptr ? get(clsid, iid, out) : E_FAIL;
+    if (get != nullptr && result != S_OK && notes != nullptr) {
+        notes->Add(lyr::Cause::kClassObjectRefuses, nullptr, nullptr);
+        if (!notes->Steps().empty()) notes->Steps().back().result = result;
+    }
+    return result;
+}
+
+}  // namespace
 
 HRESULT LYRSysTSCreateInstance(const GUID& clsid, const GUID& iid, void** out) {
-    const CLSIDNameRecord* const record = LYRSysTSDicoCLSIDName::QueryDicoCLSIDNameByCLSID(clsid);
-    if (record == nullptr || record->library == nullptr) return E_FAIL;
-
-    using GetClassObject = HRESULT (*)(const GUID&, const GUID&, void**);
-    const auto getClassObject = lyr::internal::ToFunction<GetClassObject>(
-        LYRThrLibraryManager::GetFunctionAddress(record->library, "LYRSysTSDllGetClassObject"));
-    return getClassObject != nullptr ? getClassObject(clsid, iid, out) : E_FAIL;
+    lyr::internal::Listener* const listener = lyr::internal::CurrentListener();
+    if (listener == nullptr) return Create(clsid, iid, out, nullptr);
+    lyr::internal::Notes notes(lyr::internal::Notes::Mode::kRequest);
+    const HRESULT result = Create(clsid, iid, out, &notes);
+    if (result != S_OK) listener->OnNotCreated(clsid, notes);
+    return result;
 }

@@ -1,6 +1,7 @@
 #include "LYRThrLibraryManager.h"
 
 #include "Folders.h"
+#include "LYRThrLoadListener.h"
 #include "LibraryFiles.h"
 #include "LoadedLibraries.h"
 #include "Loads.h"
@@ -77,12 +78,14 @@ bool IsShortage(int error, std::string_view words) {
 class Failure {
 public:
     Failure() { _text[0] = '\0'; }
-    void Note(int error, const char* words, const char* file) {
+    /// Whether the words tell no more than that the file is missing.
+    bool Note(int error, const char* words, const char* file) {
         _mayPass = _mayPass || IsShortage(error, words);
         const bool missing = TellsOnlyThatItIsMissing(words, file);
-        if (_text[0] != '\0' && (missing || !_onlyMissing)) return;
+        if (_text[0] != '\0' && (missing || !_onlyMissing)) return missing;
         _onlyMissing = missing;
         std::snprintf(_text, sizeof _text, "%s", words);
+        return missing;
     }
     const char* Text() const { return _text; }
     bool MayPass() const { return _mayPass; }
@@ -99,18 +102,26 @@ private:
 /// An exception that leaves an initialiser ends the process here. It must not get any further: on
 /// its way it would pass the loader, which would never give its lock back. dlopen is declared not
 /// to throw, so it is called as a function that may, and that the compiler cannot see through.
-[[gnu::noinline]] void* Open(const char* file) noexcept {
+[[gnu::noinline]] void* Open(const char* file, int which) noexcept {
     void* (*volatile const open)(const char*, int) = &::dlopen;
-    return open(file, RTLD_NOW | RTLD_LOCAL);
+    return open(file, RTLD_NOW | RTLD_LOCAL | which);
 }
 
 /// The handle of the first of the files that loads; null, with each failure noted, when none does.
-void* OpenFirst(lyr::internal::LibraryFiles&& files, Failure& failure) {
+void* OpenFirst(lyr::internal::LibraryFiles&& files, Failure& failure,
+                LYRThrLoadListener* listener) {
+    const int which = listener == nullptr || listener->MayLoad() ? 0 : RTLD_NOLOAD;
     while (const char* const file = files.Next()) {
+        if (listener != nullptr) listener->OnFile(file);
         errno = 0;
-        if (void* handle = Open(file)) return handle;
+        if (void* handle = Open(file, which)) {
+            if (listener != nullptr) listener->OnLoaded();
+            return handle;
+        }
         const int error = errno;
-        failure.Note(error, LoaderWords(), file);
+        const char* const words = LoaderWords();
+        const bool isMissing = failure.Note(error, words, file);
+        if (listener != nullptr) listener->OnNotLoaded(words, isMissing);
     }
     return nullptr;
 }
@@ -131,7 +142,8 @@ void* LYRThrLibraryManager::LoadLibrary(const char* name) {
     return TryLoadLibrary(name, mayPass);
 }
 
-void* LYRThrLibraryManager::TryLoadLibrary(const char* name, bool& mayPass) {
+void* LYRThrLibraryManager::TryLoadLibrary(const char* name, bool& mayPass,
+                                           LYRThrLoadListener* listener) {
     mayPass = false;
     if (name == nullptr || *name == '\0') return Fail("no library is named");
     if (const lyr::internal::LoadedLibrary* const known =
@@ -140,11 +152,11 @@ void* LYRThrLibraryManager::TryLoadLibrary(const char* name, bool& mayPass) {
     }
     const lyr::internal::Loads::Running running;
     Failure failure;
-    void* handle = OpenFirst(lyr::internal::LibraryFiles(name), failure);
+    void* handle = OpenFirst(lyr::internal::LibraryFiles(name), failure, listener);
     const lyr::internal::Folders::Folder* folder = lyr::internal::Folders::First();
     for (; handle == nullptr && failure.IsOnlyMissing() && folder != nullptr;
          folder = folder->next.load(std::memory_order_acquire)) {
-        handle = OpenFirst(lyr::internal::LibraryFiles(name, folder->path), failure);
+        handle = OpenFirst(lyr::internal::LibraryFiles(name, folder->path), failure, listener);
     }
     if (handle != nullptr) {
         lyr::internal::LoadedLibraries::Keep(name, handle);
@@ -161,10 +173,10 @@ void* LYRThrLibraryManager::GetFunctionAddress(const char* library, const char* 
 }
 
 void* LYRThrLibraryManager::TryGetFunctionAddress(const char* library, const char* symbol,
-                                                  bool& mayPass) {
+                                                  bool& mayPass, LYRThrLoadListener* listener) {
     mayPass = false;
     if (symbol == nullptr) return Fail("no symbol is named");
-    void* handle = TryLoadLibrary(library, mayPass);
+    void* handle = TryLoadLibrary(library, mayPass, listener);
     if (handle == nullptr) return nullptr;
     if (const lyr::internal::LoadedLibrary* const known =
             lyr::internal::LoadedLibraries::Find(library)) {
@@ -177,9 +189,11 @@ void* LYRThrLibraryManager::TryGetFunctionAddress(const char* library, const cha
         const int error = errno;
         const char* const words = LoaderWords();
         mayPass = IsShortage(error, words);
+        if (listener != nullptr) listener->OnMissingFunction(symbol, false);
         return Fail(words);
     }
     if (!IsDefinedBy(handle, address)) {
+        if (listener != nullptr) listener->OnMissingFunction(symbol, true);
         char words[kFailureSize];
         std::snprintf(words, sizeof words, "%s: symbol %s is only in a dependency", library,
                       symbol);

@@ -1,6 +1,7 @@
 #include "LYRSysTSDicoCLSIDName.h"
 
 #include "LYRSysTSDictionary.h"
+#include "registries/ClassRecord.h"
 #include "registries/Intern.h"
 #include "registries/SignedKeys.h"
 #include "support/GuidBytes.h"
@@ -79,6 +80,10 @@ CLSIDNameRecord* LYRSysTSDicoCLSIDName::AddDicoCLSIDName(const GUID& clsid, cons
 CLSIDNameRecord* LYRSysTSDicoCLSIDName::QueryDicoCLSIDNameByCLSID(const GUID& clsid) {
     LYRSysTSDictionary::EnsureInitDictionary();
     return Find(clsid, lyr::internal::GuidHash(clsid));
+}
+
+const CLSIDNameRecord* lyr::internal::KnownClass(const GUID& clsid) {
+    return Find(clsid, GuidHash(clsid));
 }
 
 int LYRSysTSDicoCLSIDName::_ComputeKeyForCLSID(const GUID& clsid) {

@@ -6,6 +6,8 @@
 #include <cstdint>
 #include <string>
 
+class LYRThrLoadListener;
+
 /// Loads shared libraries by the names that dictionaries give them, and finds functions in them.
 ///
 /// The name "Geometry" reaches the file libGeometry.so; so do "libGeometry" and "libGeometry.so".
@@ -24,15 +26,18 @@ public:
     /// memory.
     static void* LoadLibrary(const char* name);
     /// The same. `mayPass` then tells whether it failed for want of memory or of file descriptors,
-    /// so that the same call may succeed at another time; false after success.
-    static void* TryLoadLibrary(const char* name, bool& mayPass);
+    /// so that the same call may succeed at another time; false after success. A `listener`, which
+    /// may be null, hears what is met.
+    static void* TryLoadLibrary(const char* name, bool& mayPass,
+                                LYRThrLoadListener* listener = nullptr);
 
     /// The address of the function `symbol` in the library, which is loaded first if need be. Null
     /// when the library does not load, when `symbol` is null, or when the library itself does not
     /// define it: a function of the same name in one of its dependencies does not count.
     static void* GetFunctionAddress(const char* library, const char* symbol);
-    /// The same; `mayPass` as above.
-    static void* TryGetFunctionAddress(const char* library, const char* symbol, bool& mayPass);
+    /// The same; `mayPass` and `listener` as above.
+    static void* TryGetFunctionAddress(const char* library, const char* symbol, bool& mayPass,
+                                       LYRThrLoadListener* listener = nullptr);
 
     /// Names a folder in which libraries are looked for where the dynamic loader finds none under
     /// their name, so that neither a run path nor an environment variable is needed. Folders are

@@ -1,0 +1,177 @@
+#include "explanation/Paragraph.h"
+
+#include "explanation/CauseTable.h"
+#include "explanation/FilesNow.h"
+#include "explanation/NearLines.h"
+
+#include <algorithm>
+
+namespace lyr::internal {
+
+namespace {
+
+constexpr int kPairs = 1;
+constexpr std::size_t kIndent = 14;
+
+/// A line of the paragraph: what it is about, and the text behind it.
+std::string Row(const std::string& head, const std::string& text) {
+    std::string row = "  " + head;
+    if (row.size() < kIndent) row.resize(kIndent, ' ');
+    return row + text + "\n";
+}
+
+std::size_t RootOf(const std::vector<Step>& steps) {
+    std::size_t root = steps.size();
+    int weight = 0;
+    for (std::size_t i = 0; i < steps.size(); ++i) {
+        const CauseRow* const row = RowOf(steps[i].cause);
+        if (row == nullptr || row->weight <= weight) continue;
+        weight = row->weight;
+        root = i;
+    }
+    return root;
+}
+
+bool IsAbsence(const Step& step) {
+    return step.cause == Cause::kNoEntry || step.cause == Cause::kNoCreator;
+}
+
+bool NeedsFiles(const std::vector<Step>& steps) {
+    return std::any_of(steps.begin(), steps.end(), [](const Step& step) {
+        return step.cause == Cause::kEntryFound || IsAbsence(step);
+    });
+}
+
+/// Gives each step that rests on a line its place.
+void FindPlaces(std::vector<Step>& steps, const FilesNow& files) {
+    for (Step& step : steps) {
+        if (step.cause != Cause::kEntryFound) continue;
+        const FileLine* const line = files.Find(kPairs, step.className, step.interfaceName);
+        if (line == nullptr || !line->unread.empty()) continue;
+        step.file = line->file;
+        step.line = line->line;
+    }
+}
+
+std::string Count(std::size_t count, const char* what) {
+    return std::to_string(count) + " " + what + (count == 1 ? "" : "s");
+}
+
+std::string Found(const Step& step) {
+    std::string text = step.className + " " + step.interfaceName;
+    if (!step.library.empty()) text += " " + step.library;
+    if (!step.other.empty()) text += " (" + step.other + ")";
+    if (step.file.empty()) return text + "  (said by code, or by a file that has changed since)";
+    return step.file + ":" + std::to_string(step.line) + "  " + text;
+}
+
+/// The classes of the road, in which nothing was found: "Circle or its base Shape".
+std::string Classes(const std::vector<Step>& steps, const std::string& asked) {
+    std::string text = asked;
+    for (const Step& step : steps) {
+        if (step.cause == Cause::kBaseClass) text += " or its base " + step.other;
+    }
+    return text;
+}
+
+/// What the files have to say where no line was found.
+std::string Absence(const Question& question, const std::vector<Step>& steps,
+                    const FilesNow& files) {
+    std::string text;
+    const std::string interfaceName =
+        question.interfaceName.empty() ? "CreateInterface" : question.interfaceName;
+    text += Row("found", "no line for " + Classes(steps, question.className) + " in " +
+                             Count(files.folders, "folder") + ", " + Count(files.files, "file"));
+    for (const std::string& folder : files.missingFolders) {
+        text += Row("", "there is no folder " + folder);
+    }
+    if (const FileLine* const line = files.Find(kPairs, question.className, interfaceName)) {
+        const std::string why =
+            line->unread.empty() ? "the files were read before it was there" : line->unread;
+        text += Row("passed over", line->file + ":" + std::to_string(line->line) + "  " +
+                                       line->Text() + "  (" + why + ")");
+    }
+    std::string head = "near";
+    for (const NearLine& near : NearLines(question.className, interfaceName, files)) {
+        text += Row(head, near.line->file + ":" + std::to_string(near.line->line) + "  " +
+                              near.line->Text() + "  (" + near.difference + ")");
+        head.clear();
+    }
+    return text;
+}
+
+/// Whether a line of the paragraph is made of the step: not of one that the first line tells, nor
+/// of what leads to nothing.
+bool IsToldBesides(const Step& step, const Explanation& explanation) {
+    if (IsAbsence(step) || step.cause == Cause::kEntryFound || step.cause == Cause::kBaseClass ||
+        step.cause == Cause::kKnownAbsence) {
+        return false;
+    }
+    const bool hasRoot = explanation.root < explanation.steps.size();
+    return !hasRoot || explanation.steps[explanation.root].cause != step.cause;
+}
+
+/// The steps on the way, but for the one that the first line tells.
+std::string Road(const Question& question, const Explanation& explanation, const FilesNow& files) {
+    std::string text;
+    for (std::size_t i = 0; i < explanation.steps.size(); ++i) {
+        const Step& step = explanation.steps[i];
+        if (step.cause == Cause::kEntryFound) text += Row("found", Found(step));
+        if (i == explanation.root && IsAbsence(step)) {
+            text += Absence(question, explanation.steps, files);
+        }
+        if (IsToldBesides(step, explanation)) {
+            const std::string row = Row("also", FillIn(RowOf(step.cause)->text, step));
+            if (text.find(row) == std::string::npos) text += row;
+        }
+        std::string head = "tried";
+        for (const std::string& file : step.files) {
+            text += Row(head, file);
+            head.clear();
+        }
+    }
+    return text;
+}
+
+std::string FirstLine(const Question& question, const Explanation& explanation) {
+    using Answer = Explanation::Answer;
+    const bool isRootKnown = explanation.root < explanation.steps.size();
+    std::string text = "lyr: ";
+    if (explanation.answer == Answer::kYes) return text + question.what + ": yes\n";
+    text += (explanation.answer == Answer::kUnknown ? "perhaps no " : "no ") + question.what;
+    if (!isRootKnown) return text + "\n";
+    const Step& root = explanation.steps[explanation.root];
+    return text + ": " + FillIn(RowOf(root.cause)->text, root) + "\n";
+}
+
+std::string Remedy(const Explanation& explanation) {
+    if (explanation.root >= explanation.steps.size()) return {};
+    const Step& root = explanation.steps[explanation.root];
+    const char* const remedy = RowOf(root.cause)->remedy;
+    return remedy != nullptr ? Row("remedy", FillIn(remedy, root)) : std::string();
+}
+
+bool IsRemembered(const std::vector<Step>& steps) {
+    return std::any_of(steps.begin(), steps.end(),
+                       [](const Step& step) { return step.cause == Cause::kKnownAbsence; });
+}
+
+}  // namespace
+
+void Tell(const Question& question, Explanation& explanation) {
+    const bool isYes = explanation.answer == Explanation::Answer::kYes;
+    const FilesNow files = NeedsFiles(explanation.steps) ? FilesNow::Read() : FilesNow();
+    FindPlaces(explanation.steps, files);
+    explanation.root = isYes ? explanation.steps.size() : RootOf(explanation.steps);
+    explanation.text = FirstLine(question, explanation);
+    explanation.text += Row("asked for", question.asked);
+    explanation.text +=
+        Row("looked", question.isOfRequest ? "at the first request" : "now, for this explanation");
+    explanation.text += Road(question, explanation, files);
+    explanation.text += Remedy(explanation);
+    if (!isYes && IsRemembered(explanation.steps)) {
+        explanation.text += Row("", "then start again: in this process the answer stays \"none\"");
+    }
+}
+
+}  // namespace lyr::internal

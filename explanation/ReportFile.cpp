@@ -1,0 +1,48 @@
+#include "explanation/ReportFile.h"
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <unistd.h>
+
+namespace lyr::internal {
+
+namespace {
+
+int OpenToAppend(const std::string& path) {
+    return ::open(path.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0666);
+}
+
+}  // namespace
+
+ReportFile::~ReportFile() {
+    if (IsOpen()) ::close(_descriptor);
+}
+
+bool ReportFile::Open(const std::string& path) {
+    _path = path;
+    _process = ::getpid();
+    _descriptor = OpenToAppend(path);
+    if (!IsOpen()) return false;
+    // The lock says that this process writes here; it goes with the process.
+    return ::flock(_descriptor, LOCK_EX | LOCK_NB) == 0 || OpenOwn();
+}
+
+bool ReportFile::OpenOwn() {
+    ::close(_descriptor);
+    _process = ::getpid();
+    _descriptor = OpenToAppend(_path + "." + std::to_string(_process));
+    return IsOpen();
+}
+
+void ReportFile::Write(const std::string& text) {
+    if (!IsOpen()) return;
+    if (_process != ::getpid() && !OpenOwn()) return;
+    std::size_t written = 0;
+    while (written < text.size()) {
+        const ssize_t count = ::write(_descriptor, text.data() + written, text.size() - written);
+        if (count <= 0) return;
+        written += static_cast<std::size_t>(count);
+    }
+}
+
+}  // namespace lyr::internal

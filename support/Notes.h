@@ -1,0 +1,69 @@
+#pragma once
+
+#include "LYRThrLoadListener.h"
+#include "lyr/explain.h"
+
+#include <chrono>
+#include <cstdint>
+#include <vector>
+
+namespace lyr::internal {
+
+/// What one search tells of its road, for somebody who wants to know. The search has a pointer to
+/// it, null as a rule. Used by one thread.
+class Notes final : public LYRThrLoadListener {
+public:
+    enum class Mode : std::uint8_t {
+        kRequest,     ///< of a request, which does what it does anyway
+        kExplain,     ///< of a search that nobody notices: it loads, reads and remembers nothing
+        kExplainLoad  ///< the same, but it loads and reads
+    };
+    explicit Notes(Mode mode) : _mode(mode) {}
+
+    /// Since it was made.
+    std::chrono::nanoseconds Age() const { return Clock::now() - _start; }
+
+    /// Whether the search may change what a later one sees.
+    bool MayRemember() const { return _mode == Mode::kRequest; }
+    bool MayRead() const { return _mode != Mode::kExplain; }
+    bool MayLoad() override { return _mode != Mode::kExplain; }
+
+    /// Adds a step, or counts a loss when memory is out; the texts may be null.
+    void Add(Cause cause, const char* className, const char* interfaceName,
+             const char* library = nullptr, const char* other = nullptr,
+             const char* symbol = nullptr) noexcept;
+
+    /// Adds what the library manager has met since the last call, if it has found nothing.
+    void AddLoad(const void* found, const char* className, const char* interfaceName,
+                 const char* library, const char* symbol) noexcept;
+
+    void OnFile(const char* file) noexcept override;
+    void OnLoaded() noexcept override;
+    void OnNotLoaded(const char* words, bool isMissing) noexcept override;
+    void OnMissingFunction(const char* symbol, bool isInDependency) noexcept override;
+
+    std::vector<Step>& Steps() { return _steps; }
+    /// Whether steps are missing.
+    bool IsShort() const { return _isShort; }
+
+private:
+    using Clock = std::chrono::steady_clock;
+
+    /// What the library manager meets on its way to one library.
+    struct Load {
+        std::vector<std::string> files;
+        std::string words;
+        bool isOnlyMissing = true;
+        bool lacksFunction = false;
+        bool isInDependency = false;
+    };
+    Cause CauseOf(const Load& load) const;
+
+    std::vector<Step> _steps;
+    Load _load;
+    const Clock::time_point _start = Clock::now();
+    const Mode _mode;
+    bool _isShort = false;
+};
+
+}  // namespace lyr::internal
