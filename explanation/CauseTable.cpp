@@ -28,8 +28,11 @@ constexpr CauseRow kRows[] = {
      "no class {class} is known here yet, so its bases are not known either", nullptr},
     {Cause::kUnknownInterface, "UnknownInterface", 5, "no id is known for {interface}",
      "write \"<id> {interface}\" into an .iidts file, or ask by the id"},
-    {Cause::kIdWithoutName, "IdWithoutName", 5, "nothing gives {interface} a name",
-     "write \"{interface} <name>\" into an .iidts file"},
+    {Cause::kIdWithoutName, "IdWithoutName", 5, "no dictionary line gives the id a name",
+     "write \"<id> <name>\" into an .iidts file"},
+    {Cause::kNameOfAnotherId, "NameOfAnotherId", 5,
+     "the dictionary files give {interface} another id, {other}",
+     "let the code and the .iidts file give the same id, and build anew what uses it"},
 
     {Cause::kDictionaryClosed, "DictionaryClosed", 10, "the dictionary has been deleted",
      "ask before the application cleans up"},

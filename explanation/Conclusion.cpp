@@ -42,6 +42,7 @@ Question QuestionOf(const char* className, const GUID* iid, const char* interfac
     question.interfaceName = interfaceName != nullptr ? interfaceName : id;
     question.what = question.interfaceName + " for " +
                     (className != nullptr ? "a " + question.className : "the object");
+    question.id = id;
     question.asked = question.interfaceName;
     if (interfaceName != nullptr && !id.empty()) question.asked += " " + id;
     return question;
@@ -51,6 +52,7 @@ Question CreationOf(const char* className, const std::string& id) {
     Question question;
     question.className = TextOr(className, "object");
     question.what = question.className + " is made";
+    question.id = id;
     question.asked = question.className + (id.empty() ? "" : " " + id);
     return question;
 }

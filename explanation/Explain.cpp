@@ -32,10 +32,19 @@ void EnsureFiles(Loading loading) {
     if (loading == Loading::kYes) internal::EnsureDictionaryFilesAreRead();
 }
 
+/// The client's name for the interface may be known, with another id.
+void NoteAnotherId(const GUID& iid, const char* interfaceName, Notes& notes) {
+    const GUID* const known = LYRSysTSDicoIIDName::QueryDicoIIDNameByName(interfaceName);
+    if (known == nullptr || *known == iid) return;
+    notes.Add(Cause::kNameOfAnotherId, nullptr, interfaceName, nullptr,
+              internal::InBraces(*known).c_str());
+}
+
 Explanation ExplainOf(LYRSysTSMetaClass& metaObject, const GUID& iid, const char* interfaceName,
                       Loading loading) {
     Notes notes(ModeOf(loading));
     EnsureFiles(loading);
+    NoteAnotherId(iid, interfaceName, notes);
     const bool isFound = internal::ExplainedSearch::Run(metaObject, iid, notes);
     internal::Question question = QuestionOf(metaObject.IsA(), &iid, interfaceName);
     question.isOfRequest = internal::RecallSteps(question.className, iid, notes);
@@ -143,8 +152,9 @@ constinit LastWords lastWords;
 
 inline namespace v1 {
 
-Explanation ExplainRequest(IUnknown* object, const GUID& iid, Loading loading) {
-    return ExplainOf(object, iid, nullptr, loading);
+Explanation ExplainRequest(IUnknown* object, const GUID& iid, Loading loading,
+                           const char* interfaceName) {
+    return ExplainOf(object, iid, interfaceName, loading);
 }
 
 Explanation ExplainRequest(IUnknown* object, const char* interfaceName, Loading loading) {

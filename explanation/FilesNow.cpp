@@ -5,8 +5,11 @@
 #include "LYRSysTSDictionary.h"
 #include "LYRSysTSDictionaryReader.h"
 #include "dictionary/DictionaryScan.h"
+#include "explanation/ExplainedSearch.h"
 
+#include <cerrno>
 #include <cstdlib>
+#include <cstring>
 #include <dirent.h>
 #include <map>
 #include <sys/stat.h>
@@ -16,45 +19,49 @@ namespace lyr::internal {
 
 namespace {
 
-enum Kind : int { kPairs = 1, kInterfaces = 2, kClasses = 3 };
-
 /// Why the library's reader refuses the line; null for a good one.
-const char* Fault(int kind, char* const* words, int count) {
-    if (kind == kPairs) {
+const char* Fault(FileKind kind, char* const* words, int count) {
+    if (kind == FileKind::kPairs) {
         if (count < 3) return "has less than three words";
         return count == 4 ? "has four words" : nullptr;
     }
-    if (count < 2 || (kind == kInterfaces && count != 2) || count > 3) {
-        return "has another number of words than two";
+    const bool isOfInterface = kind == FileKind::kInterfaces;
+    if (count < 2 || count > (isOfInterface ? 2 : 3)) {
+        return isOfInterface ? "has not two words" : "has neither two words nor three";
     }
     GUID id;
     if (LYRSysTSConvertStringToGUID(words[0], id) != 0) return "does not begin with an id";
-    if (kind != kInterfaces) return nullptr;
+    if (!isOfInterface) return nullptr;
     const GUID* const known = LYRSysTSDicoIIDName::QueryDicoIIDNameByName(words[1]);
-    return known != nullptr && *known != id ? "gives the name another id" : nullptr;
+    if (known != nullptr && *known != id) return "gives the name another id";
+    const char* const name = LYRSysTSDicoIIDName::QueryDicoIIDNameByIID(id);
+    return name != nullptr && std::strcmp(name, words[1]) != 0 ? "gives the id another name"
+                                                               : nullptr;
 }
 
 /// Collects lines. The library reads no line behind one that is bad.
 class Collector final : public LYRSysTSDictionaryReader {
 public:
-    Collector(int kind, std::string unread, std::vector<FileLine>& lines)
-        : _kind(kind), _unread(std::move(unread)), _lines(lines) {}
+    Collector(FileKind kind, std::string unread, FilesNow& now)
+        : _kind(kind), _unread(std::move(unread)), _now(now) {}
 
     HRESULT PutInfo(char** words, int count, const char* path, int lineNumber) override {
         const char* const fault = Fault(_kind, words, count);
         if (fault != nullptr && _unread.empty()) {
-            _unread = "line " + std::to_string(lineNumber) + " " + fault + ", where reading ends";
+            _unread = "line " + std::to_string(lineNumber) + " " + fault + ", and ends the reading";
+            _now.problems.push_back(std::string(path) + ":" + std::to_string(lineNumber) + "  " +
+                                    fault + ": nothing of the file counts from there on");
         }
         FileLine line{path, lineNumber, _kind, {}, _unread};
         for (int i = 0; i < count; ++i) line.words.emplace_back(words[i]);
-        _lines.push_back(std::move(line));
+        _now.lines.push_back(std::move(line));
         return S_OK;
     }
 
 private:
-    const int _kind;
+    const FileKind _kind;
     std::string _unread;
-    std::vector<FileLine>& _lines;
+    FilesNow& _now;
 };
 
 std::vector<std::string> FilesOf(const std::string& folder, bool& isThere) {
@@ -71,12 +78,27 @@ std::vector<std::string> FilesOf(const std::string& folder, bool& isThere) {
     return names;
 }
 
-/// Whether the file can be read; the library would say why not, and has, when it read them all.
-bool IsReadable(const std::string& path) {
+/// Why the file cannot be read; null when it can. The library has said so, when it read them all.
+const char* WhyUnreadable(const std::string& path) {
     struct stat status {};
-    return ::stat(path.c_str(), &status) == 0 && !S_ISDIR(status.st_mode) &&
-           ::access(path.c_str(), R_OK) == 0;
+    if (::stat(path.c_str(), &status) != 0) return std::strerror(errno);
+    if (S_ISDIR(status.st_mode)) return std::strerror(EISDIR);
+    return ::access(path.c_str(), R_OK) != 0 ? std::strerror(errno) : nullptr;
 }
+
+/// The line that fits, one that is read before one that is not.
+template <typename Fits>
+const FileLine* FindLine(const std::vector<FileLine>& lines, FileKind kind, Fits fits) {
+    const FileLine* unread = nullptr;
+    for (const FileLine& line : lines) {
+        if (line.kind != kind || line.words.size() < 2 || !fits(line.words)) continue;
+        if (line.unread.empty()) return &line;
+        if (unread == nullptr) unread = &line;
+    }
+    return unread;
+}
+
+using Words = std::vector<std::string>;
 
 }  // namespace
 
@@ -93,30 +115,41 @@ FilesNow FilesNow::Read() {
         bool isThere = false;
         const std::vector<std::string> names = FilesOf(folder, isThere);
         ++now.folders;
-        if (!isThere) now.missingFolders.push_back(folder);
+        if (!isThere) now.problems.push_back(folder + "  there is no such folder");
         for (const std::string& name : names) {
             const std::string path = folder + "/" + name;
             const auto [first, isFirst] = met.emplace(name, path);
-            if (!IsReadable(path)) continue;
+            if (const char* const why = WhyUnreadable(path)) {
+                now.problems.push_back(path + "  " + why);
+                continue;
+            }
             ++now.files;
-            const int kind = LYRSysTSDictionary::_SelectionByExt(name.c_str());
-            Collector collector(kind, isFirst ? "" : first->second + " hides this file", now.lines);
+            const auto kind =
+                static_cast<FileKind>(LYRSysTSDictionary::_SelectionByExt(name.c_str()));
+            Collector collector(kind, isFirst ? "" : first->second + " hides this file", now);
             static_cast<void>(LYRSysTSDictionary::_ReadDictionary(path.c_str(), &collector));
         }
     }
     return now;
 }
 
-const FileLine* FilesNow::Find(int kind, const std::string& first,
-                               const std::string& second) const {
-    const FileLine* unread = nullptr;
-    for (const FileLine& line : lines) {
-        if (line.kind != kind || line.words.size() < 2) continue;
-        if (line.words[0] != first || line.words[1] != second) continue;
-        if (line.unread.empty()) return &line;
-        if (unread == nullptr) unread = &line;
-    }
-    return unread;
+const FileLine* FilesNow::FindPair(const std::string& className,
+                                   const std::string& interfaceName) const {
+    return FindLine(lines, FileKind::kPairs, [&](const Words& words) {
+        return words[0] == className && words[1] == interfaceName;
+    });
+}
+
+const FileLine* FilesNow::FindName(FileKind kind, const std::string& name) const {
+    return FindLine(lines, kind, [&](const Words& words) { return words[1] == name; });
+}
+
+const FileLine* FilesNow::FindId(FileKind kind, const std::string& id) const {
+    return FindLine(lines, kind, [&](const Words& words) {
+        GUID written;
+        return LYRSysTSConvertStringToGUID(words[0].data(), written) == 0 &&
+               InBraces(written) == id;
+    });
 }
 
 }  // namespace lyr::internal

@@ -10,7 +10,7 @@ namespace lyr::internal {
 namespace {
 
 constexpr std::size_t kMost = 3;
-constexpr int kPairs = 1;
+constexpr FileKind kPairs = FileKind::kPairs;
 
 std::string WithoutTrifles(const std::string& name) {
     std::string plain;

@@ -1,24 +1,15 @@
 #include "explanation/Paragraph.h"
 
+#include "explanation/Absence.h"
 #include "explanation/CauseTable.h"
 #include "explanation/FilesNow.h"
-#include "explanation/NearLines.h"
+#include "explanation/Rows.h"
 
 #include <algorithm>
 
 namespace lyr::internal {
 
 namespace {
-
-constexpr int kPairs = 1;
-constexpr std::size_t kIndent = 14;
-
-/// A line of the paragraph: what it is about, and the text behind it.
-std::string Row(const std::string& head, const std::string& text) {
-    std::string row = "  " + head;
-    if (row.size() < kIndent) row.resize(kIndent, ' ');
-    return row + text + "\n";
-}
 
 std::size_t RootOf(const std::vector<Step>& steps) {
     std::size_t root = steps.size();
@@ -32,10 +23,6 @@ std::size_t RootOf(const std::vector<Step>& steps) {
     return root;
 }
 
-bool IsAbsence(const Step& step) {
-    return step.cause == Cause::kNoEntry || step.cause == Cause::kNoCreator;
-}
-
 bool NeedsFiles(const std::vector<Step>& steps) {
     return std::any_of(steps.begin(), steps.end(), [](const Step& step) {
         return step.cause == Cause::kEntryFound || IsAbsence(step);
@@ -46,58 +33,22 @@ bool NeedsFiles(const std::vector<Step>& steps) {
 void FindPlaces(std::vector<Step>& steps, const FilesNow& files) {
     for (Step& step : steps) {
         if (step.cause != Cause::kEntryFound) continue;
-        const FileLine* const line = files.Find(kPairs, step.className, step.interfaceName);
+        const FileLine* const line = step.interfaceName.empty()
+                                         ? files.FindName(FileKind::kClasses, step.className)
+                                         : files.FindPair(step.className, step.interfaceName);
         if (line == nullptr || !line->unread.empty()) continue;
         step.file = line->file;
         step.line = line->line;
     }
 }
 
-std::string Count(std::size_t count, const char* what) {
-    return std::to_string(count) + " " + what + (count == 1 ? "" : "s");
-}
-
 std::string Found(const Step& step) {
-    std::string text = step.className + " " + step.interfaceName;
+    std::string text = step.className;
+    if (!step.interfaceName.empty()) text += " " + step.interfaceName;
     if (!step.library.empty()) text += " " + step.library;
     if (!step.other.empty()) text += " (" + step.other + ")";
     if (step.file.empty()) return text + "  (said by code, or by a file that has changed since)";
     return step.file + ":" + std::to_string(step.line) + "  " + text;
-}
-
-/// The classes of the road, in which nothing was found: "Circle or its base Shape".
-std::string Classes(const std::vector<Step>& steps, const std::string& asked) {
-    std::string text = asked;
-    for (const Step& step : steps) {
-        if (step.cause == Cause::kBaseClass) text += " or its base " + step.other;
-    }
-    return text;
-}
-
-/// What the files have to say where no line was found.
-std::string Absence(const Question& question, const std::vector<Step>& steps,
-                    const FilesNow& files) {
-    std::string text;
-    const std::string interfaceName =
-        question.interfaceName.empty() ? "CreateInterface" : question.interfaceName;
-    text += Row("found", "no line for " + Classes(steps, question.className) + " in " +
-                             Count(files.folders, "folder") + ", " + Count(files.files, "file"));
-    for (const std::string& folder : files.missingFolders) {
-        text += Row("", "there is no folder " + folder);
-    }
-    if (const FileLine* const line = files.Find(kPairs, question.className, interfaceName)) {
-        const std::string why =
-            line->unread.empty() ? "the files were read before it was there" : line->unread;
-        text += Row("passed over", line->file + ":" + std::to_string(line->line) + "  " +
-                                       line->Text() + "  (" + why + ")");
-    }
-    std::string head = "near";
-    for (const NearLine& near : NearLines(question.className, interfaceName, files)) {
-        text += Row(head, near.line->file + ":" + std::to_string(near.line->line) + "  " +
-                              near.line->Text() + "  (" + near.difference + ")");
-        head.clear();
-    }
-    return text;
 }
 
 /// Whether a line of the paragraph is made of the step: not of one that the first line tells, nor
@@ -118,7 +69,7 @@ std::string Road(const Question& question, const Explanation& explanation, const
         const Step& step = explanation.steps[i];
         if (step.cause == Cause::kEntryFound) text += Row("found", Found(step));
         if (i == explanation.root && IsAbsence(step)) {
-            text += Absence(question, explanation.steps, files);
+            text += TellAbsence(question, explanation, files);
         }
         if (IsToldBesides(step, explanation)) {
             const std::string row = Row("also", FillIn(RowOf(step.cause)->text, step));

@@ -14,6 +14,7 @@ struct Question {
     std::string asked;
     std::string className;
     std::string interfaceName;  ///< empty for a creation
+    std::string id;             ///< of the interface or class, in braces; empty without one
     /// Whether the steps were noted at a request, and not for the explanation.
     bool isOfRequest = false;
     /// Whether the answer was given, and not only found out.

@@ -83,10 +83,10 @@ GetClassObject FindGetClassObject(const GUID& clsid, Notes* notes) {
     NoteFiles(className, notes);
     if (record == nullptr || record->library == nullptr) {
         const Cause cause = record == nullptr ? Cause::kUnknownClassId : Cause::kNoLibrary;
-        if (notes != nullptr) notes->Add(cause, className, kCreate);
+        if (notes != nullptr) notes->Add(cause, className, nullptr);
         return nullptr;
     }
-    if (notes != nullptr) notes->Add(Cause::kEntryFound, className, kCreate, record->library);
+    if (notes != nullptr) notes->Add(Cause::kEntryFound, className, nullptr, record->library);
     return ToFunction<GetClassObject>(
         FindFunction(record->library, kGetClassObject, className, notes));
 }

@@ -35,6 +35,7 @@ enum class Cause : std::int32_t {
     kUnknownClass,      ///< no class of the name is known yet: its bases are not, either
     kUnknownInterface,  ///< no id is known for the interface's name
     kIdWithoutName,     ///< neither a line nor a class gives the id a name
+    kNameOfAnotherId,   ///< the name of the interface has another id in the files: `other`
 
     // The dictionary.
     kDictionaryClosed,  ///< the dictionary has been deleted, at the end of the application
@@ -118,9 +119,11 @@ enum class Loading : std::int32_t { kNo, kYes };
 
 /// Explains what the object, or any of the class, would answer to a request for the interface. It
 /// calls no factory and changes no answer of a later request, but for what a library that it may
-/// load brings along. All arguments may be null. An interface by name is looked up in what is
-/// known. Any thread may ask at any time. Throws std::bad_alloc.
-LYR_EXPORT Explanation ExplainRequest(IUnknown* object, const GUID& iid, Loading = Loading::kNo);
+/// load brings along. All pointers may be null. An interface by name is looked up in what is known;
+/// beside an id, the name is what the client calls the interface. Any thread may ask at any time.
+/// Throws std::bad_alloc.
+LYR_EXPORT Explanation ExplainRequest(IUnknown* object, const GUID& iid, Loading = Loading::kNo,
+                                      const char* interfaceName = nullptr);
 LYR_EXPORT Explanation ExplainRequest(IUnknown* object, const char* interfaceName,
                                       Loading = Loading::kNo);
 LYR_EXPORT Explanation ExplainRequest(const char* className, const GUID& iid,

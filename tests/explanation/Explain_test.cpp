@@ -105,6 +105,26 @@ TEST(Explain, SaysWhyALineIsPassedOver) {
         << explanation.text;
 }
 
+TEST(Explain, IdsAndNamesThatDoNotAgree) {
+    const Files files("");
+    files.Write("b.iidts", "no id\n{A0000010-0000-0000-0000-000000000000} I10\n");
+    files.Write("b.clsidts",
+                "{A0000011-0000-0000-0000-000000000000}\n"
+                "{A0000012-0000-0000-0000-000000000000} Thing LyrTestParts\n");
+    Thing gadget(Class("Gadget", ImplementationClass));
+    const Explanation other = lyr::ExplainRequest(&gadget, Iid(0x20), Loading::kYes, "I1");
+    EXPECT_EQ(RootOf(other), "NameOfAnotherId") << other.text;
+    EXPECT_TRUE(Has(other.text, "give I1 another id, {A0000001-")) << other.text;
+
+    const std::string unread = "b.iidts:2  {A0000010-0000-0000-0000-000000000000} I10  (line 1 ";
+    EXPECT_TRUE(Has(lyr::ExplainRequest(&gadget, Iid(0x10)).text, unread));
+    const std::string byName = lyr::ExplainRequest(&gadget, "I10").text;
+    EXPECT_TRUE(Has(byName, unread)) << byName;
+    EXPECT_TRUE(Has(byName, "not read    " + files.path + "/b.clsidts:1  has neither")) << byName;
+    EXPECT_TRUE(Has(byName, "the name is written I1)")) << byName;
+    EXPECT_TRUE(Has(lyr::ExplainCreation(Iid(0x12)).text, "b.clsidts:2  {A0000012-"));
+}
+
 TEST(Explain, WhatIsAskedMayBeTheFault) {
     const Files files("");
     Thing plain(Class("Plain", PlainClass));
