@@ -26,7 +26,7 @@ bool Holds(const std::vector<Step>& steps, Cause cause) {
 Answer AnswerOf(const std::vector<Step>& steps) {
     if (Holds(steps, Cause::kKnownAbsence)) return Answer::kNo;
     for (const Cause open : {Cause::kLibraryNotLoaded, Cause::kFilesNotRead, Cause::kUnknownClass,
-                             Cause::kOwnSearch, Cause::kFactoryGaveNull}) {
+                             Cause::kOwnSearch, Cause::kPassedOn, Cause::kFactoryGaveNull}) {
         if (Holds(steps, open)) return Answer::kUnknown;
     }
     return Answer::kNo;
@@ -64,6 +64,8 @@ Question CreationOf(const GUID& clsid) {
 
 Explanation Conclude(const Question& question, Notes& notes, bool isFound) {
     Explanation explanation;
+    explanation.className = question.className;
+    explanation.interfaceName = question.interfaceName;
     explanation.steps = std::move(notes.Steps());
     for (Step& step : explanation.steps) {
         if (step.interfaceName.empty()) step.interfaceName = question.interfaceName;

@@ -42,6 +42,10 @@ bool ExplainedSearch::Run(LYRSysTSMetaClass& metaObject, const GUID& iid, Notes&
         notes.Add(Cause::kKnownAnswer, className, nullptr);
         return true;
     }
+    if (base != nullptr && base->CastToMetaExtension() != nullptr) {
+        notes.Add(Cause::kPassedOn, className, nullptr);
+        return false;
+    }
     auto* const table = dynamic_cast<LYRSysTSMetaClassImpl*>(base);
     if (table == nullptr) {
         notes.Add(base != nullptr ? Cause::kNoFactories : Cause::kNoMetaObject, className, nullptr);

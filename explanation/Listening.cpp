@@ -76,6 +76,11 @@ void SetDebug(const char* words) noexcept {
     internal::Listen(words);
 }
 
+void Report(const Explanation& explanation) noexcept {
+    if (internal::CurrentListener() == nullptr) return;
+    internal::Reporter::Instance()->OnRequired(explanation);
+}
+
 }  // namespace v1
 
 }  // namespace lyr

@@ -29,6 +29,13 @@ bool NeedsFiles(const std::vector<Step>& steps) {
     });
 }
 
+/// Whether the line names the library, which the dictionary keeps without a leading "lib".
+bool Names(const FileLine& line, const std::string& library) {
+    if (line.words.size() < 3) return library.empty();
+    const std::string& written = line.words[2];
+    return written == library || written == "lib" + library;
+}
+
 /// Gives each step that rests on a line its place.
 void FindPlaces(std::vector<Step>& steps, const FilesNow& files) {
     for (Step& step : steps) {
@@ -36,7 +43,7 @@ void FindPlaces(std::vector<Step>& steps, const FilesNow& files) {
         const FileLine* const line = step.interfaceName.empty()
                                          ? files.FindName(FileKind::kClasses, step.className)
                                          : files.FindPair(step.className, step.interfaceName);
-        if (line == nullptr || !line->unread.empty()) continue;
+        if (line == nullptr || !line->unread.empty() || !Names(*line, step.library)) continue;
         step.file = line->file;
         step.line = line->line;
     }
@@ -75,7 +82,7 @@ std::string Road(const Question& question, const Explanation& explanation, const
             const std::string row = Row("also", FillIn(RowOf(step.cause)->text, step));
             if (text.find(row) == std::string::npos) text += row;
         }
-        std::string head = "tried";
+        std::string head = step.cause == Cause::kLoaded ? "" : "tried";
         for (const std::string& file : step.files) {
             text += Row(head, file);
             head.clear();

@@ -90,13 +90,16 @@ bool Reporter::IsNew(const Explanation& explanation, const std::string& pair) {
     return ++cause.count == 1;
 }
 
-void Reporter::TellOnce(const Explanation& explanation, const std::string& className,
-                        const std::string& interfaceName) {
+void Reporter::TellOnce(const Explanation& explanation) {
+    const bool isCreation = explanation.interfaceName.empty();
+    const std::string what = isCreation ? "CreateInterface" : explanation.interfaceName;
     {
         const std::lock_guard<std::mutex> guard(_mutex);
-        if (!_words.explain || !_words.Match(className, interfaceName)) return;
+        if (!_words.explain || !_words.Match(explanation.className, what)) return;
     }
-    if (IsNew(explanation, className + " " + interfaceName)) Write(explanation.text);
+    // The classes of unknown ids have one name.
+    const std::string& pair = isCreation ? explanation.text : explanation.className + " " + what;
+    if (IsNew(explanation, pair)) Write(explanation.text);
 }
 
 std::string Reporter::Sum() {
@@ -109,9 +112,8 @@ std::string Reporter::Sum() {
     return text;
 }
 
-void Reporter::OnRequired(const Explanation& explanation, const std::string& className,
-                          const std::string& interfaceName) noexcept {
-    Try([&] { TellOnce(explanation, className, interfaceName); });
+void Reporter::OnRequired(const Explanation& explanation) noexcept {
+    Try([&] { TellOnce(explanation); });
 }
 
 void Reporter::AfterSearch(const LYRSysTSMetaClass& asked, const GUID& iid, Notes& notes,
@@ -133,7 +135,7 @@ void Reporter::AfterSearch(const LYRSysTSMetaClass& asked, const GUID& iid, Note
         if (isFound) {
             Write(explanation.text + "  after       " + InMicroseconds(time) + "\n");
         } else {
-            TellOnce(explanation, question.className, name);
+            TellOnce(explanation);
         }
     });
 }
@@ -167,23 +169,21 @@ void Reporter::OnFactoryGaveNull(const LYRSysTSMetaClass& asked, const GUID& iid
             all = _words.explain && _words.all;
         }
         if (!all) return;
-        TellOnce(ConcludeRequest(question, notes, false), question.className,
-                 question.interfaceName);
+        TellOnce(ConcludeRequest(question, notes, false));
     });
 }
 
 void Reporter::OnNotCreated(const char* className, Notes& notes) noexcept {
     Try([&] {
         const Question question = CreationOf(className, {});
-        TellOnce(ConcludeRequest(question, notes, false), question.className, "CreateInterface");
+        TellOnce(ConcludeRequest(question, notes, false));
     });
 }
 
 void Reporter::OnNotCreated(const GUID& clsid, Notes& notes) noexcept {
     Try([&] {
         const Question question = CreationOf(clsid);
-        TellOnce(ConcludeRequest(question, notes, false), question.className + InBraces(clsid),
-                 "CreateInterface");
+        TellOnce(ConcludeRequest(question, notes, false));
     });
 }
 

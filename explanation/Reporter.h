@@ -28,8 +28,7 @@ public:
     void Set(const DebugWords& words);
 
     /// A client cannot go on without what it has not got.
-    void OnRequired(const Explanation& explanation, const std::string& className,
-                    const std::string& interfaceName) noexcept;
+    void OnRequired(const Explanation& explanation) noexcept;
 
     /// What a search for the pair has met that found nothing, if one was heard.
     std::optional<std::vector<Step>> StepsOf(const std::string& className, const GUID& iid);
@@ -67,8 +66,7 @@ private:
     };
 
     /// Tells the explanation, unless its pair or its cause has been told.
-    void TellOnce(const Explanation& explanation, const std::string& className,
-                  const std::string& interfaceName);
+    void TellOnce(const Explanation& explanation);
     bool IsNew(const Explanation& explanation, const std::string& pair);
     std::string TextOf(const Contradiction& contradiction);
 

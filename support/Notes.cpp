@@ -33,12 +33,27 @@ void Notes::AddLoad(const void* found, const char* className, const char* interf
                     const char* library, const char* symbol) noexcept {
     Load load;
     std::swap(load, _load);
+    const Cause cause = CauseOf(load);
+    if (!load.time.empty()) {
+        if (load.files.size() > 1) load.files.erase(load.files.begin(), load.files.end() - 1);
+        AddStep(Cause::kLoaded, std::move(load.time), std::move(load.files), className,
+                interfaceName, library);
+        load.files.clear();
+    }
     if (found != nullptr) return;
+    if (cause == Cause::kLibraryNotLoaded) load.files.clear();
+    AddStep(cause, std::move(load.words), std::move(load.files), className, interfaceName, library,
+            symbol);
+}
+
+void Notes::AddStep(Cause cause, std::string&& words, std::vector<std::string>&& files,
+                    const char* className, const char* interfaceName, const char* library,
+                    const char* symbol) noexcept {
     const std::size_t before = _steps.size();
-    Add(CauseOf(load), className, interfaceName, library, nullptr, symbol);
-    if (_steps.size() == before || _steps.back().cause == Cause::kLibraryNotLoaded) return;
-    _steps.back().files = std::move(load.files);
-    _steps.back().words = std::move(load.words);
+    Add(cause, className, interfaceName, library, nullptr, symbol);
+    if (_steps.size() == before) return;
+    _steps.back().words = std::move(words);
+    _steps.back().files = std::move(files);
 }
 
 Cause Notes::CauseOf(const Load& load) const {
@@ -52,12 +67,21 @@ Cause Notes::CauseOf(const Load& load) const {
 void Notes::OnFile(const char* file) noexcept {
     try {
         _load.files.emplace_back(file);
+        _load.start = Clock::now();
     } catch (const std::bad_alloc&) {
         _isShort = true;
     }
 }
 
-void Notes::OnLoaded() noexcept {}
+void Notes::OnLoaded() noexcept {
+    const auto time =
+        std::chrono::duration_cast<std::chrono::microseconds>(Clock::now() - _load.start);
+    try {
+        _load.time = "in " + std::to_string(time.count()) + " us";
+    } catch (const std::bad_alloc&) {
+        _isShort = true;
+    }
+}
 
 // The most telling words are the first that say more than that a file is missing.
 void Notes::OnNotLoaded(const char* words, bool isMissing) noexcept {

@@ -52,12 +52,17 @@ private:
     /// What the library manager meets on its way to one library.
     struct Load {
         std::vector<std::string> files;
+        Clock::time_point start;  ///< of the latest of them
+        std::string time;         ///< that its loading took; empty while none is loaded
         std::string words;
         bool isOnlyMissing = true;
         bool lacksFunction = false;
         bool isInDependency = false;
     };
     Cause CauseOf(const Load& load) const;
+    void AddStep(Cause cause, std::string&& words, std::vector<std::string>&& files,
+                 const char* className, const char* interfaceName, const char* library,
+                 const char* symbol = nullptr) noexcept;
 
     std::vector<Step> _steps;
     Load _load;

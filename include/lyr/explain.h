@@ -26,13 +26,14 @@ enum class Cause : std::int32_t {
     kAnswered,     ///< the function `symbol` of the library answers
     kKnownAnswer,  ///< an answer is known, of an earlier request or registered by code
     kBaseClass,    ///< the base class `other` is asked next
+    kLoaded,       ///< the library is loaded for it: `files`; `words` tells how long that took
 
     // What is asked.
-    kNullObject,        ///< no object was given
-    kDeadObject,        ///< the object's last reference is gone
-    kNoMetaObject,      ///< the object's class does not tell its meta-object
-    kExtendsNothing,    ///< the object is an extension that extends no object
-    kUnknownClass,      ///< no class of the name is known yet: its bases are not, either
+    kNullObject,    ///< no object was given
+    kDeadObject,    ///< its last reference is gone, or it is an extension that extends nothing
+    kNoMetaObject,  ///< the object's class does not tell its meta-object
+    kPassedOn,      ///< objects of the class, an extension, pass requests on to what they extend
+    kUnknownClass,  ///< no class of the name is known yet: its bases are not, either
     kUnknownInterface,  ///< no id is known for the interface's name
     kIdWithoutName,     ///< neither a line nor a class gives the id a name
     kNameOfAnotherId,   ///< the name of the interface has another id in the files: `other`
@@ -41,7 +42,7 @@ enum class Cause : std::int32_t {
     kDictionaryClosed,  ///< the dictionary has been deleted, at the end of the application
     kFilesNotRead,      ///< the dictionary files have not been read: the first request does that
     kFilesBeingRead,    ///< this very thread is reading them
-    kNoFolders,         ///< no folder of dictionary files is named; `words`: by whom it could be
+    kNoFolders,         ///< no folder of dictionary files is named
     kNoEntry,           ///< no line for the class and the interface
     kNoLibrary,         ///< the entry names no library
     kNoFactories,       ///< objects of the class have no implementations by factories
@@ -108,6 +109,9 @@ struct Explanation {
         kUnknown,  ///< it cannot be told without loading a library
     };
 
+    std::string className;      ///< as far as it is known
+    std::string interfaceName;  ///< empty for a creation
+
     Answer answer = Answer::kNo;
     std::vector<Step> steps;  ///< in the order in which they were met
     std::size_t root = 0;     ///< the step that decides; steps.size() for none
@@ -135,6 +139,10 @@ LYR_EXPORT Explanation ExplainRequest(const char* className, const char* interfa
 /// of what makes the object; otherwise as above.
 LYR_EXPORT Explanation ExplainCreation(const char* className, Loading = Loading::kNo);
 LYR_EXPORT Explanation ExplainCreation(const GUID& clsid, Loading = Loading::kNo);
+
+/// Tells the explanation of something that the caller cannot go on without, where LYRDebug asks for
+/// such: each pair of class and interface once, and each cause. The kit does so before it throws.
+LYR_EXPORT void Report(const Explanation& explanation) noexcept;
 
 /// At most three of the names, the nearest first: those that few changes make of `name`, a third of
 /// its letters at most; case and underscores count little. Names that are `name` itself are left

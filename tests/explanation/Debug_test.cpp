@@ -58,6 +58,18 @@ TEST(Debug, QuestionsAreToldWithAllAndByPattern) {
     EXPECT_FALSE(Has(text, "I3")) << text;
 }
 
+TEST(Debug, WhatIsRequiredIsToldOnceWhereItIsAskedFor) {
+    const Files files("");
+    Thing gadget(Class("Gadget", ImplementationClass));
+    const auto require = [&] {
+        for (int i = 0; i < 2; ++i) lyr::Report(lyr::ExplainRequest(&gadget, "I1"));
+    };
+    Ask(gadget, Iid(1));
+    ExpectErrors("", require);
+    EXPECT_EQ(TextWith("explain=Other/*", require), "");
+    EXPECT_EQ(Count(TextWith("explain", require), "lyr: no I1 for a Gadget"), 1U);
+}
+
 TEST(Debug, OneCauseIsToldOnceAndSummedUp) {
     const Files files(
         "Gadget I1 LyrNoSuchLibrary\nGadget I2 LyrNoSuchLibrary\n"
