@@ -62,37 +62,42 @@ bool Addition::Prepare(LYRSysTSInfoDic* info) {
     _isNew = existing == nullptr;
     if (_isNew && !Table().Reserve(_bucket, _hash)) throw std::bad_alloc();
     if (existing != nullptr && info != nullptr && info != existing) {
-        _contradiction.field = "record";
+        _contradiction.emplace().field = "record";
         return false;
     }
     LYRSysTSInfoDic* const known = existing != nullptr ? existing : info;
-    if (known != nullptr && ContradictsRecord(*known)) return false;
+    if (known != nullptr) {
+        const Contradiction contradiction = FindContradiction(*known);
+        if (contradiction.field != nullptr) _contradiction = contradiction;
+        if (_contradiction) return false;
+    }
     LYRSysTSInfoDic* const record = known != nullptr ? known : DictionaryTables::UnusedRecord();
     if (!InternMissing(*record)) return false;
     _record = record;
     return true;
 }
 
-bool Addition::ContradictsRecord(const LYRSysTSInfoDic& record) {
+Contradiction Addition::FindContradiction(const LYRSysTSInfoDic& record) const {
+    Contradiction contradiction;
     for (std::size_t i = 0; i < kIds; ++i) {
         const GUID* const stored = record.*kIdFields[i];
         if (stored == nullptr || _ids[i] == nullptr || *stored == *_ids[i]) continue;
-        _contradiction.field = i == 0 ? "class id" : "interface id";
-        return true;
+        contradiction.field = i == 0 ? "class id" : "interface id";
+        return contradiction;
     }
     for (std::size_t i = 0; i < kTexts; ++i) {
         const char* const stored = record.*kTextFields[i];
         const char* const given = _texts[i].text;
         if (stored == nullptr || given == nullptr || SameText(stored, given)) continue;
-        _contradiction.field = kTextNames[i];
-        _contradiction.known = stored;
-        _contradiction.given = given;
-        return true;
+        contradiction.field = kTextNames[i];
+        contradiction.known = stored;
+        contradiction.given = given;
+        return contradiction;
     }
     const LYRSysTSInterfaceFactory stored = record.creator;
-    if (stored == nullptr || _creator == nullptr || stored == _creator) return false;
-    _contradiction.field = "function that makes it";
-    return true;
+    const bool isOther = stored != nullptr && _creator != nullptr && stored != _creator;
+    if (isOther) contradiction.field = "function that makes it";
+    return contradiction;
 }
 
 bool Addition::InternMissing(const LYRSysTSInfoDic& record) {
@@ -123,7 +128,7 @@ void Addition::Commit() {
 }
 
 Contradiction Addition::Refused() const {
-    Contradiction contradiction = _contradiction;
+    Contradiction contradiction = _contradiction.value_or(Contradiction());
     contradiction.className = _texts[0].text;
     contradiction.interfaceName = _texts[1].text;
     return contradiction;
@@ -132,7 +137,7 @@ Contradiction Addition::Refused() const {
 Refusals::~Refusals() {
     for (int i = 0; i < _count; ++i) {
         Say("Problem allocating structure dico\n");
-        if (Listener* const listener = CurrentListener()) listener->OnContradiction(_reasons[i]);
+        if (Listener* const listener = CurrentListener()) listener->OnContradiction(*_reasons[i]);
     }
 }
 

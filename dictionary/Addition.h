@@ -3,6 +3,8 @@
 #include "dictionary/DictionaryTables.h"
 #include "support/Listener.h"
 
+#include <optional>
+
 namespace lyr::internal {
 
 /// One addition to one table of the dictionary. It goes in two steps under one hold of the lock:
@@ -33,7 +35,8 @@ public:
     void Commit() LYR_REQUIRES(GetGlobalDicoMutex());
 
 private:
-    bool ContradictsRecord(const LYRSysTSInfoDic& record);
+    /// What the record says otherwise; its field is null when it says nothing otherwise.
+    Contradiction FindContradiction(const LYRSysTSInfoDic& record) const;
     bool InternMissing(const LYRSysTSInfoDic& record);
 
     EntryTable& Table() const LYR_REQUIRES(GetGlobalDicoMutex());
@@ -48,7 +51,7 @@ private:
     const char* _missingTexts[kTexts] = {};
     const GUID* _missingIds[kIds] = {};
 
-    Contradiction _contradiction;
+    std::optional<Contradiction> _contradiction;
 
     const bool _isByName;
     const std::size_t _hash;
@@ -71,7 +74,7 @@ public:
     Refusals& operator=(const Refusals&) = delete;
 
 private:
-    Contradiction _reasons[2];
+    std::optional<Contradiction> _reasons[2];
     int _count = 0;
 };
 

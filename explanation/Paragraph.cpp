@@ -6,6 +6,7 @@
 #include "explanation/Rows.h"
 
 #include <algorithm>
+#include <initializer_list>
 
 namespace lyr::internal {
 
@@ -109,9 +110,18 @@ std::string Remedy(const Explanation& explanation) {
     return remedy != nullptr ? Row("remedy", FillIn(remedy, root)) : std::string();
 }
 
-bool IsRemembered(const std::vector<Step>& steps) {
-    return std::any_of(steps.begin(), steps.end(),
-                       [](const Step& step) { return step.cause == Cause::kKnownAbsence; });
+bool Holds(const std::vector<Step>& steps, std::initializer_list<Cause> causes) {
+    return std::any_of(steps.begin(), steps.end(), [&](const Step& step) {
+        return std::find(causes.begin(), causes.end(), step.cause) != causes.end();
+    });
+}
+
+/// Whether the answer is kept for the life of the process.
+bool IsRemembered(const Question& question, const std::vector<Step>& steps) {
+    if (Holds(steps, {Cause::kKnownAbsence})) return true;
+    const bool isSearch = question.isAnswered && !question.interfaceName.empty();
+    return isSearch && !Holds(steps, {Cause::kLoading, Cause::kNoMemory, Cause::kFilesBeingRead,
+                                      Cause::kNoFolders, Cause::kFactoryGaveNull});
 }
 
 }  // namespace
@@ -127,7 +137,7 @@ void Tell(const Question& question, Explanation& explanation) {
         Row("looked", question.isOfRequest ? "at the first request" : "now, for this explanation");
     explanation.text += Road(question, explanation, files);
     explanation.text += Remedy(explanation);
-    if (!isYes && IsRemembered(explanation.steps)) {
+    if (!isYes && IsRemembered(question, explanation.steps)) {
         explanation.text += Row("", "then start again: in this process the answer stays \"none\"");
     }
 }
