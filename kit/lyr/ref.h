@@ -9,10 +9,20 @@
 #include <type_traits>
 #include <utility>
 
+// What is refused with a sentence: by clang where it is written, and by g++, which has no such
+// attribute that works in templates, in the function's body. So std::is_constructible is wrong
+// about such a function under g++.
+#define LYR_KIT_PLAIN_POINTER                                                             \
+    "lyr: a plain pointer is no Ref, since it does not say whose count it is; take that " \
+    "over with lyr::Take(pointer), or take one of its own with lyr::Share(pointer)"
 #if defined(__clang__)
 #define LYR_KIT_LIFETIMEBOUND [[clang::lifetimebound]]
+#define LYR_KIT_REFUSED(sentence) __attribute__((unavailable(sentence)))
+#define LYR_KIT_REFUSE(T, sentence)
 #else
 #define LYR_KIT_LIFETIMEBOUND
+#define LYR_KIT_REFUSED(sentence)
+#define LYR_KIT_REFUSE(T, sentence) static_assert(sizeof(T) == 0, sentence);
 #endif
 
 namespace lyr {
@@ -115,7 +125,13 @@ public:
     template <class U, class = std::enable_if_t<std::is_convertible_v<U*, T*>>>
     Ref(Ref<U>&& other) noexcept : _pointer(other.Detach()) {}
 
-    Ref& operator=(Ref other) noexcept {
+    /// Refused: Take and Share make a Ref of a plain pointer.
+    template <class U, class = std::enable_if_t<std::is_convertible_v<U*, T*>>>
+    LYR_KIT_REFUSED(LYR_KIT_PLAIN_POINTER)
+    Ref(U*){LYR_KIT_REFUSE(U, LYR_KIT_PLAIN_POINTER)}
+
+    Ref&
+    operator=(Ref other) noexcept {
         Swap(other);
         return *this;
     }

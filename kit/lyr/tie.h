@@ -92,7 +92,7 @@ struct CheckedTie : CheckedInterfaces<TieInterfaces<Traits>> {
 
 /// The base of a TIE for an object of the class `C`.
 template <class Traits, class I, class C>
-class TieOf : public Foundation<I> {
+class TieOf : public GivenBackByRelease<I> {
 public:
     using LyrTieTraits = Traits;
 
@@ -140,9 +140,7 @@ using TieFor = TieOf<Traits, typename Only<TieInterfaces<Traits>>::Type, typenam
 /// runs out, no new extension is left behind.
 template <class Tie, class I>
 IUnknown* AnswerByTie(LYRSysTSBaseUnknown* object) {
-    static_assert(Making::kIsComplete<Tie>,
-                  "lyr: the TIE does not implement every operation of its interface; override what "
-                  "is missing");
+    static_cast<void>(&Making::CheckOverrides<Tie>);
     static_assert(Making::kHasDefault<Tie>,
                   "lyr: a TIE is made without arguments; give it a constructor that takes none, "
                   "public or with friend lyr::Making");
