@@ -6,6 +6,8 @@
 #include "lyr/interface.h"
 
 #include <cstddef>
+#include <cstdint>
+#include <string>  // std::hash, for fewer lines than <functional>
 #include <type_traits>
 #include <utility>
 
@@ -62,6 +64,15 @@ inline HRESULT Query(IUnknown* object, const GUID& iid, void** out) {
     return object != nullptr ? object->QueryInterface(iid, out) : E_UNEXPECTED;
 }
 
+/// Each component object answers it with itself: As<LYRSysTSBaseUnknown>()->IsA() is its class.
+struct BaseUnknownDescription {
+    using Interface = LYRSysTSBaseUnknown;
+    using Inherited = NoDescription;
+    static constexpr GUID id = LYR_ID("6dadd843-bcd7-4107-b9e9-72342d738784");
+    static constexpr char name[] = "LYRSysTSBaseUnknown";
+};
+BaseUnknownDescription* LyrInterfaceOf(LYRSysTSBaseUnknown*, Asking);
+
 /// Where an operation with a `void**` puts what it gives. Lives for that one call.
 template <class T>
 class Filling {
@@ -102,6 +113,7 @@ template <class J, class T>
     IUnknown* const object = detail::ToUnknown(pointer);
     const HRESULT result = detail::Query(object, IdOf<J>(), &out);
     if (result != S_OK) detail::ThrowNoInterface(object, NameOf<J>(), result);
+    if (out == nullptr) detail::ThrowNoInterface(object, NameOf<J>(), E_NOINTERFACE);
     return Take(detail::FromVoid<J>(out));
 }
 
@@ -208,11 +220,29 @@ bool operator!=(std::nullptr_t, const Ref<T>& b) noexcept {
     return static_cast<bool>(b);
 }
 
-/// Whether two interfaces are of the same object; so are two that are null.
+/// An order by address, for sets and maps: the same while the program runs.
+template <class T>
+bool operator<(const Ref<T>& a, const Ref<T>& b) noexcept {
+    return reinterpret_cast<std::uintptr_t>(a.Get()) < reinterpret_cast<std::uintptr_t>(b.Get());
+}
+
+/// Whether two interfaces are of the same object; so are two that are null. An object that is being
+/// deleted does not tell: of that one, only equal addresses are the same.
 template <class T, class U>
 [[nodiscard]] bool SameObject(const Ref<T>& a, const Ref<U>& b) {
-    return a.template TryAs<IUnknown>() == b.template TryAs<IUnknown>();
+    const Ref<IUnknown> first = a.template TryAs<IUnknown>();
+    const Ref<IUnknown> second = b.template TryAs<IUnknown>();
+    if (first || second) return first == second;
+    return detail::ToUnknown(a.Get()) == detail::ToUnknown(b.Get());
 }
 
 }  // namespace v1
 }  // namespace lyr
+
+/// By address, as ==.
+template <class T>
+struct std::hash<lyr::Ref<T>> {
+    std::size_t operator()(const lyr::Ref<T>& ref) const noexcept {
+        return std::hash<T*>()(ref.Get());
+    }
+};
