@@ -143,6 +143,15 @@ struct CheckedClass : CheckedLength<typename Traits::Arguments>,
     using Arguments = typename Traits::Arguments;
     using Base = typename Facts<Traits>::Base;
 
+    static_assert(
+        kHasOptionsOf<ClassOption, Arguments>,
+        "lyr: lyr::Without is for a TIE; a class answers what its interfaces derive from");
+    static_assert(std::is_same_v<typename Facts<Traits>::Interfaces, List<>> ||
+                      !kContains<TiesOnly, Arguments>,
+                  "lyr: lyr::TiesOnly is for a class that lists no interface; take it out, or give "
+                  "the listed ones by TIEs (LYR_TIE)");
+    static_assert(!IsExtension(Traits::kind) || !kContains<Inner, Arguments>,
+                  "lyr: an extension is made by requests alone; take lyr::Inner out");
     static_assert(kBases<Arguments> <= 1,
                   "lyr: a class has one base component; take the other lyr::From out, and give its "
                   "interfaces by TIEs or list them");

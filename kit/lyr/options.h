@@ -21,6 +21,8 @@ inline namespace v1 {
 
 namespace detail {
 struct Option {};
+struct ClassOption : Option {};
+struct TieOption : Option {};
 /// Ends each list, so that no list is empty for the preprocessor.
 struct End : Option {};
 }  // namespace detail
@@ -28,18 +30,18 @@ struct End : Option {};
 /// Among the interfaces of a class: what it says of the class.
 /// Its C++ base class is the base component `Base`, whose interfaces it answers too.
 template <class Base>
-struct From : detail::Option {};
+struct From : detail::ClassOption {};
 /// Its objects have no lock: one thread at a time uses each of them.
-struct OneThread : detail::Option {};
+struct OneThread : detail::ClassOption {};
 /// Its objects are made by lyr::Make alone, in their own library, and not by name.
-struct Inner : detail::Option {};
+struct Inner : detail::ClassOption {};
 /// It inherits no interface: TIEs give them all.
-struct TiesOnly : detail::Option {};
+struct TiesOnly : detail::ClassOption {};
 
 namespace detail {
 
 template <std::uint64_t high, std::uint64_t low, bool isId>
-struct ClassId : Option {
+struct ClassId : ClassOption {
     static_assert(isId,
                   "lyr: this is no class id; an id looks like "
                   "\"9ff2405a-cfea-461a-a560-f36c489875ab\", and uuidgen makes new ones");
@@ -48,6 +50,13 @@ struct ClassId : Option {
 
 template <class T>
 constexpr bool kIsOption = std::is_base_of_v<Option, T>;
+
+/// Whether each option of a list is of that kind.
+template <class Kind, class Arguments>
+constexpr bool kHasOptionsOf = false;
+template <class Kind, class... T>
+constexpr bool kHasOptionsOf<Kind, List<T...>> =
+    (true && ... && (!kIsOption<T> || std::is_base_of_v<Kind, T> || std::is_same_v<T, End>));
 
 template <class... Lists>
 struct Joined;

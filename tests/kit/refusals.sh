@@ -123,7 +123,17 @@ refuse 'lyr: a TIE gives one interface' 'LYR_COMPONENT(C, lyr::TiesOnly) {}; LYR
     'LYR_COMPONENT(C, lyr::TiesOnly) {}; LYR_TIE(T, C, IA) BODY_A;'
 refuse 'lyr: the class has another name' 'LYR_NAMED_COMPONENT(C, D, lyr::TiesOnly) {}; LYR_TIE(T, C, IA) BODY_A;' \
     'LYR_NAMED_COMPONENT(C, D, lyr::TiesOnly) {}; LYR_NAMED_TIE(T, C, D, IA) BODY_A;'
-refuse 'lyr: an extension is made by the request' \
+ties='LYR_COMPONENT(C, lyr::TiesOnly) {};'
+refuse 'lyr: lyr::TiesOnly is for a class that lists no interface' 'LYR_COMPONENT(C, lyr::TiesOnly, IA) BODY_A;' \
+    'LYR_COMPONENT(C, IA) BODY_A;'
+refuse 'lyr: lyr::Without is for a TIE' 'LYR_COMPONENT(C, IA, lyr::Without<IB>) BODY_A;' 'LYR_COMPONENT(C, IA) BODY_A;'
+refuse 'lyr: an extension is made by requests alone' 'LYR_KEPT_EXTENSION(E, (C), IA, lyr::Inner) BODY_A;' \
+    'LYR_KEPT_EXTENSION(E, (C), IA) BODY_A;'
+refuse 'lyr: this option is for the class behind the TIE' "$ties LYR_TIE(T, C, IA, lyr::OneThread) BODY_A;" \
+    "$ties LYR_TIE(T, C, IA) BODY_A;"
+refuse 'lyr: lyr::Without names an interface that' "$ties LYR_TIE(T, C, IA, lyr::Without<IB>) BODY_A;" \
+    "$ties LYR_TIE(T, C, IA) BODY_A;"
+refuse 'lyr: an extension is made by the request for' \
     'LYR_KEPT_EXTENSION(E, (C), IA) BODY_A; void F() { auto e = lyr::Make<E>(); }' \
     'LYR_COMPONENT(E, IA) BODY_A; void F() { auto e = lyr::Make<E>(); }'
 refuse 'lyr: objects that are made by name are made without arguments' \
