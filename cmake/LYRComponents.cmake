@@ -18,10 +18,11 @@
 # and fails when two of them contradict. WITH_RUNTIME installs libLYRComponentModel and libLYRSysTS
 # with it.
 #
-#   lyr_test_environment(<test>)
+#   lyr_test_environment(<test or target>)
 #
 # Has the test of that name, in this directory, find the component libraries of the build, those in
 # the folder that is set, and their dictionaries before those of the user: for a program of others.
+# Behind gtest_discover_tests(<target>) it takes the target, and is for all tests found in it.
 #
 # Both kinds of targets are ordinary ones, but for the folders that they are built in, and can be
 # changed as such. Variables, all with a default:
@@ -56,11 +57,11 @@ function(lyr_add_component_library name)
     list(TRANSFORM suffixes PREPEND ${dictionary}/lib${name} OUTPUT_VARIABLE files)
     set_property(GLOBAL APPEND PROPERTY LYR_DICTIONARIES ${files})
     _lyr_build_in(${name} LIBRARY ${output}/${components})
-    # Beside its own folder, where a base library or an extended class's library is.
     set_target_properties(${name} PROPERTIES
         INSTALL_RPATH "$ORIGIN;$ORIGIN/${componentsToLib}"
         LYR_FOLDER ${components}
         LYR_HAND_WRITTEN "${handWritten}")
+    set_property(GLOBAL APPEND PROPERTY LYR_TARGETS ${name})
 
     _lyr_add_check(${name}_dictionaries ALL
         COMMENT "Writing the dictionary files of ${name}"
@@ -82,18 +83,14 @@ function(lyr_add_application name)
     add_executable(${name} ${ARG_SOURCES})
     _lyr_set_up(${name})
     set(folders)
-    set(runPath $ORIGIN/${binToLib})
     foreach(component IN LISTS ARG_COMPONENTS)
         get_target_property(folder ${component} LYR_FOLDER)
         list(APPEND folders ${folder})
-        # Only where the program itself is linked with it, as with a base library.
-        file(RELATIVE_PATH way /${bin} /${folder})
-        set(linked "$<TARGET_PROPERTY:${name},LINK_LIBRARIES>")
-        list(APPEND runPath "$<$<IN_LIST:${component},${linked}>:$ORIGIN/${way}>")
     endforeach()
     _lyr_name_folders(${name} ${bin} ${folders} ${components})
     _lyr_build_in(${name} RUNTIME ${output}/${bin})
-    set_target_properties(${name} PROPERTIES INSTALL_RPATH "${runPath}")
+    set_target_properties(${name} PROPERTIES INSTALL_RPATH $ORIGIN/${binToLib} LYR_FOLDER ${bin})
+    set_property(GLOBAL APPEND PROPERTY LYR_TARGETS ${name})
 
     if(ARG_COMPONENTS)
         set(checked ${CMAKE_CURRENT_BINARY_DIR}/${name}-$<CONFIG>.checked)
@@ -116,14 +113,28 @@ function(lyr_add_application name)
 endfunction()
 
 function(lyr_test_environment test)
-    if(NOT TEST ${test})
-        message(FATAL_ERROR "lyr_test_environment(${test}): this directory has no test of that name")
-    endif()
     _lyr_find_folders()
-    set_property(TEST ${test} APPEND PROPERTY ENVIRONMENT_MODIFICATION
+    set(changes
         "LYRDictionaryPath=path_list_prepend:${output}/${components}/dictionary"
         "LYRDictionaryNoPathNoFallback=unset:"
         "LD_LIBRARY_PATH=path_list_prepend:${output}/${components}")
+    if(TEST ${test})
+        set_property(TEST ${test} APPEND PROPERTY ENVIRONMENT_MODIFICATION ${changes})
+        return()
+    endif()
+    get_property(scripts DIRECTORY PROPERTY TEST_INCLUDE_FILES)
+    if(NOT TARGET ${test} OR NOT scripts MATCHES "/${test}\\[[0-9]+\\]_include")
+        message(FATAL_ERROR "lyr_test_environment(${test}): this directory has no test of that "
+            "name, and no target in which gtest_discover_tests(${test}), above, finds tests")
+    endif()
+    # CTest reads this behind what says which tests there are.
+    string(REPLACE $<CONFIG> "\${CTEST_CONFIGURATION_TYPE}" changes "${changes}")
+    set(script ${CMAKE_CURRENT_BINARY_DIR}/${test}_environment.cmake)
+    file(WRITE ${script} "if(${test}_TESTS)
+    set_tests_properties(\${${test}_TESTS} PROPERTIES ENVIRONMENT_MODIFICATION \"${changes}\")
+endif()
+")
+    set_property(DIRECTORY APPEND PROPERTY TEST_INCLUDE_FILES ${script})
 endfunction()
 
 # What follows is for the functions above alone.
@@ -186,7 +197,7 @@ macro(_lyr_find_folders)
     endforeach()
     file(RELATIVE_PATH binToLib /${bin} /${lib})
     file(RELATIVE_PATH componentsToLib /${components} /${lib})
-    _lyr_remove_old_dictionaries_later()
+    _lyr_finish_later()
 endmacro()
 
 # What libraries and programs have in common. Hidden: what two libraries define under one name, such
@@ -224,14 +235,39 @@ function(_lyr_name_folders name from)
         SKIP_UNITY_BUILD_INCLUSION ON SKIP_PRECOMPILE_HEADERS ON SKIP_AUTOGEN ON)
 endfunction()
 
-# Has the dictionaries of libraries that the project builds no more removed once it is configured:
-# programs read all that lie there.
-function(_lyr_remove_old_dictionaries_later)
+# What waits until the project has said all that it says.
+function(_lyr_finish_later)
     set(atTheEnd DEFER DIRECTORY ${CMAKE_SOURCE_DIR})
-    cmake_language(${atTheEnd} CANCEL_CALL lyr_old_dictionaries)
-    cmake_language(${atTheEnd} ID lyr_old_dictionaries CALL _lyr_remove_old_dictionaries)
+    cmake_language(${atTheEnd} CANCEL_CALL lyr_finish)
+    cmake_language(${atTheEnd} ID lyr_finish CALL _lyr_finish)
 endfunction()
 
+function(_lyr_finish)
+    _lyr_remove_old_dictionaries()
+    get_property(targets GLOBAL PROPERTY LYR_TARGETS)
+    foreach(target IN LISTS targets)
+        _lyr_lead_to_linked(${target})
+    endforeach()
+endfunction()
+
+# The run path leads to the component libraries that the target is linked with, as with a base
+# library, wherever below the prefix they are installed.
+function(_lyr_lead_to_linked target)
+    get_target_property(folder ${target} LYR_FOLDER)
+    get_target_property(linked ${target} LINK_LIBRARIES)
+    foreach(library IN LISTS linked)
+        if(TARGET "${library}")
+            get_target_property(other ${library} LYR_FOLDER)
+            if(other)
+                file(RELATIVE_PATH way /${folder} /${other})
+                set_property(TARGET ${target} APPEND PROPERTY INSTALL_RPATH $ORIGIN/${way})
+            endif()
+        endif()
+    endforeach()
+endfunction()
+
+# Removes the dictionaries of libraries that the project builds no more: programs read all that lie
+# there.
 function(_lyr_remove_old_dictionaries)
     get_property(files GLOBAL PROPERTY LYR_DICTIONARIES)
     foreach(file IN LISTS LYR_DICTIONARIES)

@@ -6,6 +6,7 @@
 #include <deque>
 #include <map>
 #include <unordered_map>
+#include <unordered_set>
 #include <utility>
 
 namespace lyr::inspection {
@@ -56,10 +57,15 @@ EntryPoint EntryPointOf(const PairLine& line) {
 void CheckEntryPoints(const std::vector<Manifest>& manifests, const DictionaryLines& lines,
                       Findings& findings) {
     Libraries libraries(manifests);
+    std::unordered_set<std::string> interfaces;
+    for (const PairLine& line : lines.pairs) interfaces.insert(line.interfaceName);
     for (const PairLine& line : lines.pairs) {
         MissingFunctions* const missing = libraries.Find(line.library);
         if (missing == nullptr || line.interfaceName == "MetaObject") continue;
-        missing->Require(EntryPointOf(line).Symbol(), WhatFor(line), line.place);
+        const EntryPoint entry = EntryPointOf(line);
+        const auto namesake = interfaces.find(entry.interfaceName + entry.className);
+        missing->Require(entry.Symbol(), WhatFor(line), line.place,
+                         namesake != interfaces.end() ? *namesake : std::string());
     }
     for (const ClassLine& line : lines.classes) {
         MissingFunctions* const missing = libraries.Find(line.library);

@@ -52,9 +52,10 @@ bool MissingFunctions::AreOf(std::string_view libraryName) const {
 }
 
 void MissingFunctions::Require(const std::string& symbol, const std::string& what,
-                               const Place& place) {
+                               const Place& place, const std::string& namesake) {
     if (_library.exports.contains(symbol) || !_met.insert(symbol).second) return;
-    _lacks[WayOf(symbol)].push_back({what, symbol, place});
+    const Lack lack{what, symbol, place, namesake};
+    _lacks[WayOf(lack)].push_back(lack);
 }
 
 void MissingFunctions::Tell(Findings& findings) const {
@@ -74,15 +75,22 @@ void MissingFunctions::Tell(Findings& findings) const {
     }
 }
 
-MissingFunctions::Way MissingFunctions::WayOf(const std::string& symbol) const {
-    if (_library.inside.contains(symbol)) return Way::Hidden;
-    return MangledIn(_library, symbol).empty() ? Way::Missing : Way::Mangled;
+MissingFunctions::Way MissingFunctions::WayOf(const Lack& lack) const {
+    if (_library.inside.contains(lack.symbol)) {
+        return lack.namesake.empty() ? Way::Hidden : Way::HiddenByNamesake;
+    }
+    return MangledIn(_library, lack.symbol).empty() ? Way::Missing : Way::Mangled;
 }
 
 std::string MissingFunctions::TextOf(Way way, const Lack& lack) const {
     const std::string start = lack.symbol + ", for " + lack.what + ", is ";
     const std::string file = _library.path.substr(_library.path.rfind('/') + 1);
     switch (way) {
+        case Way::HiddenByNamesake:
+            return start + "hidden in " + file + ", perhaps because the interface " +
+                   lack.namesake +
+                   " has that name, which clang keeps inside; give the interface or the class "
+                   "another name";
         case Way::Hidden:
             return start + "hidden in " + file +
                    "; have the version script or the visibility let it out";

@@ -20,8 +20,10 @@ public:
     bool AreOf(std::string_view libraryName) const;
 
     /// Notes that the function is missing, if it is: `what` tells the use of it, like "IShape of
-    /// Circle", `place` who wants it.
-    void Require(const std::string& symbol, const std::string& what, const Place& place);
+    /// Circle", `place` who wants it. `namesake` is an interface whose name ends the function's,
+    /// behind "LYRSysTSCreate", or empty.
+    void Require(const std::string& symbol, const std::string& what, const Place& place,
+                 const std::string& namesake = {});
 
     /// Adds one error for each way to be missing, however many functions: mostly they have one
     /// cause.
@@ -33,10 +35,11 @@ private:
         std::string what;
         std::string symbol;
         Place place;
+        std::string namesake;
     };
-    enum class Way { Hidden, Mangled, Missing };
+    enum class Way { HiddenByNamesake, Hidden, Mangled, Missing };
 
-    Way WayOf(const std::string& symbol) const;
+    Way WayOf(const Lack& lack) const;
     std::string TextOf(Way way, const Lack& lack) const;
 
     const LibraryFile& _library;

@@ -1,11 +1,10 @@
 #include "lyr/failure.h"
 
-#include "LYRSysTSBaseUnknown.h"
 #include "LYRSysTSDicoCLSIDName.h"
 #include "LYRSysTSDictionary.h"
-#include "LYRSysTSKnownIds.h"
 #include "LYRThrLibraryManager.h"
 #include "lyr/records.h"
+#include "lyr/ref.h"
 
 #include <cstdio>
 #include <cstdlib>
@@ -40,13 +39,9 @@ std::string Dictionaries() {
 
 /// The name of the object's class.
 std::string ClassOf(IUnknown* object) {
-    void* out = nullptr;
-    if (object->QueryInterface(CLSID_LYRSysTSBaseUnknown, &out) != S_OK) return "object";
-    auto* const base = static_cast<LYRSysTSBaseUnknown*>(static_cast<IUnknown*>(out));
-    const char* const name = base->IsA();
-    std::string text = name != nullptr ? name : "object";
-    base->Release();
-    return text;
+    const Ref<LYRSysTSBaseUnknown> base = TryAs<LYRSysTSBaseUnknown>(object);
+    const char* const name = base != nullptr ? base->IsA() : nullptr;
+    return name != nullptr ? name : "object";
 }
 
 /// What the latest constructor that failed has thrown, for people to read. Nothing of it is made or

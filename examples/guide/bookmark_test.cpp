@@ -2,12 +2,9 @@
 #include <lyr/test.h>
 #include <cstdio>
 
-// In the place of the classes that are extended, whose libraries this program does not need.
+// In the place of a class that is extended, whose library this program does not need.
 LYR_COMPONENT(Note, ITitled) {
     const char* Title() override { return "a note"; }
-};
-LYR_COMPONENT(Letter, ITitled) {
-    const char* Title() override { return "a letter"; }
 };
 
 // In the place of what answers IText for notes.
@@ -32,7 +29,7 @@ void Expect(bool isTrue, const char* what) {
 
 int main() {
     const lyr::Runtime runtime;
-    lyr::test::Link<Note, Letter, Bookmark, Cursor>();
+    lyr::test::Link<Note, Bookmark, Cursor>();
     lyr::test::Replace<FakeText>("Note");
 
     const auto bookmark = lyr::Create<ITitled>("Note").As<IBookmark>();

@@ -46,10 +46,10 @@ void Interfaces() {
     std::printf("interfaces: %d characters are left\n", text->Length());
 }
 
-// Each component answers the id of the base class with itself.
+// Each component answers for the base class of all with itself.
 void PrintClassOf(IUnknown* object) {
-    lyr::Ref<LYRSysTSBaseUnknown> base;
-    if (object->QueryInterface(CLSID_LYRSysTSBaseUnknown, base.Fill()) != S_OK) return;
+    const auto base = lyr::TryAs<LYRSysTSBaseUnknown>(object);
+    if (base == nullptr) return;
     std::printf("classes: %s, %s Document\n", base->IsA(),
                 base->IsAKindOf("Document") ? "a" : "no");
 }

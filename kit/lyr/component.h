@@ -138,10 +138,25 @@ inline constexpr bool kShareOne<List<I...>, Others> = (false || ... || kContains
 
 /// Sentences about the list of a class; and about what it needs when its kind is another.
 template <class Traits>
-struct CheckedClass : CheckedInterfaces<typename Facts<Traits>::Interfaces> {
+struct CheckedClass : CheckedLength<typename Traits::Arguments>,
+                      CheckedInterfaces<typename Facts<Traits>::Interfaces> {
     using Arguments = typename Traits::Arguments;
     using Base = typename Facts<Traits>::Base;
 
+    static_assert(
+        kHasOptionsOf<ClassOption, Arguments>,
+        "lyr: lyr::Without is for a TIE; a class answers what its interfaces derive from");
+    static_assert(std::is_same_v<typename Facts<Traits>::Interfaces, List<>> ||
+                      !kContains<TiesOnly, Arguments>,
+                  "lyr: lyr::TiesOnly is for a class that lists no interface; take it out, or give "
+                  "the listed ones by TIEs (LYR_TIE)");
+    static_assert(!IsExtension(Traits::kind) || !kContains<Inner, Arguments>,
+                  "lyr: an extension is made by requests alone; take lyr::Inner out");
+    static_assert(kBases<Arguments> <= 1,
+                  "lyr: a class has one base component; take the other lyr::From out, and give its "
+                  "interfaces by TIEs or list them");
+    static_assert(kClassIds<Arguments> <= 1,
+                  "lyr: a class has one id; take the other LYR_CLASS_ID out");
     static_assert(!Facts<Traits>::kHasBase || (kIsComponent<Base> && !IsExtension(KindOf<Base>()) &&
                                                !IsExtension(Traits::kind)),
                   "lyr: lyr::From names the base component of a component, a class that "
@@ -183,9 +198,7 @@ constexpr LYRSysTSBaseUnknown* (*CreateOf())() {
 /// of the class and of those derived from it alone, so a component's is known.
 template <class C, class I>
 IUnknown* AnswerItself(LYRSysTSBaseUnknown* object) {
-    static_assert(Making::kIsComplete<C>,
-                  "lyr: the class does not implement every operation of the interfaces that it "
-                  "lists; override what is missing");
+    static_cast<void>(&Making::CheckOverrides<C>);
     if constexpr (IsExtension(KindOf<C>())) {
         object = LYRSysTSBOAInternal::CreateBOA(object, C::MetaObject(), CreateOf<C>());
     }
@@ -195,9 +208,7 @@ IUnknown* AnswerItself(LYRSysTSBaseUnknown* object) {
 /// The entry point that makes an object: one with a count of 1, or null.
 template <class C>
 void* CreateByName() {
-    static_assert(Making::kIsComplete<C>,
-                  "lyr: the class does not implement every operation of the interfaces that it "
-                  "lists; override what is missing");
+    static_cast<void>(&Making::CheckOverrides<C>);
     static_assert(Making::kHasDefault<C>,
                   "lyr: objects that are made by name are made without arguments; give the class a "
                   "constructor that takes none, public or with friend lyr::Making, or list "

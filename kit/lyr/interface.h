@@ -164,6 +164,11 @@ using BaseDescription = MoreDerived<MoreDerived<typename OwnDescription<I>::Inhe
 template <class I>
 constexpr bool kHasOwnId = !std::is_void_v<typename OwnDescription<I>::Interface>;
 
+/// Whether there is one IUnknown in it, at most.
+template <class I>
+constexpr bool kHasOneParent =
+    !std::is_base_of_v<IUnknown, I> || std::is_convertible_v<I*, IUnknown*>;
+
 template <class I, class List>
 struct Prepend;
 template <class I, class... Others>
@@ -194,6 +199,9 @@ constexpr const GUID& IdOf() {
     static_assert(detail::kHasOwnId<I>,
                   "lyr: this interface has no id of its own; write LYR_INTERFACE(Name, \"...\") in "
                   "it, with an id from uuidgen");
+    static_assert(detail::kHasOneParent<I>,
+                  "lyr: this interface derives from two others; an interface derives from IUnknown "
+                  "or from one other interface, and a class lists several");
     return detail::OwnDescription<I>::id;
 }
 

@@ -23,17 +23,19 @@ struct Making;
 namespace detail {
 
 /// The class is not handed to `new`, put on the stack or deleted: it is abstract until Making
-/// derives from it.
+/// derives from it. The names of this class and of its pure function are what compilers say then.
 template <class Base>
-class Foundation : public Base {
+class GivenBackByRelease : public Base {
 public:
-    Foundation(const Foundation&) = delete;
-    Foundation& operator=(const Foundation&) = delete;
+    GivenBackByRelease(const GivenBackByRelease&) = delete;
+    GivenBackByRelease& operator=(const GivenBackByRelease&) = delete;
 
 protected:
     using Base::Base;
-    Foundation() = default;  // NOLINT(modernize-use-equals-delete): some bases take arguments
-    virtual ~Foundation() = default;  // NOLINT(modernize-use-override): not every base has one
+    GivenBackByRelease() =
+        default;  // NOLINT(modernize-use-equals-delete): some bases take arguments
+    virtual ~GivenBackByRelease() =
+        default;  // NOLINT(modernize-use-override): not every base has one
 
     static void* operator new(std::size_t size) { return ::operator new(size); }
     static void* operator new(std::size_t size, std::align_val_t alignment) {
@@ -53,7 +55,7 @@ protected:
 
 private:
     friend Making;
-    virtual void LyrMakesObjectsOfThisClass() = 0;
+    virtual void ObjectsAreMadeByLyrMakeOrLyrCreate() = 0;
 };
 
 /// What the macros know of a class, worked out. `Traits` has its name, its kind, the text of the
@@ -125,7 +127,7 @@ template <class Traits, class Root>
 
 /// The base of a class without a base component.
 template <bool isThreadSafe, bool isTransient>
-class ComponentRoot : public Foundation<LYRSysTSBaseUnknown> {
+class ComponentRoot : public GivenBackByRelease<LYRSysTSBaseUnknown> {
 public:
     /// While it is being deleted it answers nothing: what was made for it then would stay behind.
     HRESULT QueryInterface(const GUID& iid, void** out) override {
@@ -140,7 +142,7 @@ public:
     }
 
 protected:
-    ComponentRoot() : Foundation(static_cast<unsigned char>(isThreadSafe ? 1 : 0)) {}
+    ComponentRoot() : GivenBackByRelease(static_cast<unsigned char>(isThreadSafe ? 1 : 0)) {}
 
 private:
     /// A count that is 1 was 0 before: the object is being deleted. It keeps this count for good,
@@ -257,7 +259,9 @@ struct Making {
         }
         /// The same with the default constructor: null when that, or the lack of memory, throws.
         static C* NewOrNull() {
-            if constexpr (std::is_nothrow_default_constructible_v<Whole>) {
+            if constexpr (std::is_abstract_v<Whole> || !std::is_default_constructible_v<Whole>) {
+                return nullptr;  // refused where this is called
+            } else if constexpr (std::is_nothrow_default_constructible_v<Whole>) {
                 return new (std::nothrow) Whole;
             } else {
                 return static_cast<C*>(detail::MakeOrNull([]() -> void* { return New(); }));
@@ -268,13 +272,22 @@ struct Making {
         struct Forwarding {};
         template <class... A>
         explicit Whole(Forwarding, A&&... arguments) : C(std::forward<A>(arguments)...) {}
-        void LyrMakesObjectsOfThisClass() override {}
+        void ObjectsAreMadeByLyrMakeOrLyrCreate() override {}
     };
 
+    /// Says, once for each class whose objects are made, that operations are missing, and has the
+    /// compiler name them. Mentioned and never called.
     template <class C>
-    static constexpr bool kIsComplete = !std::is_abstract_v<Whole<C>>;
+    static void CheckOverrides() {
+        static_assert(!std::is_abstract_v<Whole<C>>,
+                      "lyr: the class does not implement every operation of its interfaces; "
+                      "override what the next lines name");
+        if constexpr (std::is_abstract_v<Whole<C>>) Whole<C> object;
+    }
+    /// Also true of a class that lacks operations, of which that is said.
     template <class C>
-    static constexpr bool kHasDefault = std::is_default_constructible_v<Whole<C>>;
+    static constexpr bool kHasDefault =
+        std::is_abstract_v<Whole<C>> || std::is_default_constructible_v<Whole<C>>;
 };
 
 /// A new object of a component class of this library, with the one count that the Ref holds. Throws
@@ -284,9 +297,7 @@ template <class C, class... A>
     static_assert(!detail::IsExtension(detail::KindOf<C>()),
                   "lyr: an extension is made by the request for one of its interfaces; ask the "
                   "extended object with As or TryAs");
-    static_assert(Making::kIsComplete<C>,
-                  "lyr: the class does not implement every operation of the interfaces that it "
-                  "lists; override what the next lines name");
+    static_cast<void>(&Making::CheckOverrides<C>);
     return Take(Making::Whole<C>::New(std::forward<A>(arguments)...));
 }
 

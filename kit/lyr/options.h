@@ -3,6 +3,7 @@
 #include "LYRSysTSBaseUnknown.h"
 #include "lyr/interface.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <type_traits>
 
@@ -20,6 +21,8 @@ inline namespace v1 {
 
 namespace detail {
 struct Option {};
+struct ClassOption : Option {};
+struct TieOption : Option {};
 /// Ends each list, so that no list is empty for the preprocessor.
 struct End : Option {};
 }  // namespace detail
@@ -27,18 +30,18 @@ struct End : Option {};
 /// Among the interfaces of a class: what it says of the class.
 /// Its C++ base class is the base component `Base`, whose interfaces it answers too.
 template <class Base>
-struct From : detail::Option {};
+struct From : detail::ClassOption {};
 /// Its objects have no lock: one thread at a time uses each of them.
-struct OneThread : detail::Option {};
+struct OneThread : detail::ClassOption {};
 /// Its objects are made by lyr::Make alone, in their own library, and not by name.
-struct Inner : detail::Option {};
+struct Inner : detail::ClassOption {};
 /// It inherits no interface: TIEs give them all.
-struct TiesOnly : detail::Option {};
+struct TiesOnly : detail::ClassOption {};
 
 namespace detail {
 
 template <std::uint64_t high, std::uint64_t low, bool isId>
-struct ClassId : Option {
+struct ClassId : ClassOption {
     static_assert(isId,
                   "lyr: this is no class id; an id looks like "
                   "\"9ff2405a-cfea-461a-a560-f36c489875ab\", and uuidgen makes new ones");
@@ -47,6 +50,13 @@ struct ClassId : Option {
 
 template <class T>
 constexpr bool kIsOption = std::is_base_of_v<Option, T>;
+
+/// Whether each option of a list is of that kind.
+template <class Kind, class Arguments>
+constexpr bool kHasOptionsOf = false;
+template <class Kind, class... T>
+constexpr bool kHasOptionsOf<Kind, List<T...>> =
+    (true && ... && (!kIsOption<T> || std::is_base_of_v<Kind, T> || std::is_same_v<T, End>));
 
 template <class... Lists>
 struct Joined;
@@ -114,6 +124,25 @@ struct FindClassId<List<ClassId<high, low, isId>, Others...>> {
     using Type = ClassId<high, low, isId>;
 };
 
+template <class T>
+constexpr bool kIsFrom = false;
+template <class Base>
+constexpr bool kIsFrom<From<Base>> = true;
+template <class T>
+constexpr bool kIsClassId = false;
+template <std::uint64_t high, std::uint64_t low, bool isId>
+constexpr bool kIsClassId<ClassId<high, low, isId>> = true;
+
+/// How many of the options a list has.
+template <class Arguments>
+constexpr int kBases = 0;
+template <class... T>
+constexpr int kBases<List<T...>> = (0 + ... + (kIsFrom<T> ? 1 : 0));
+template <class Arguments>
+constexpr int kClassIds = 0;
+template <class... T>
+constexpr int kClassIds<List<T...>> = (0 + ... + (kIsClassId<T> ? 1 : 0));
+
 template <class I>
 constexpr bool kIsInterface = std::is_base_of_v<IUnknown, I>&& std::is_abstract_v<I> &&
                               !std::is_base_of_v<LYRSysTSBaseUnknown, I>;
@@ -122,6 +151,19 @@ constexpr bool kIsInterface = std::is_base_of_v<IUnknown, I>&& std::is_abstract_
 template <class I, class... Others>
 constexpr bool kIsBaseOfAny = (false || ... ||
                                (std::is_base_of_v<I, Others> && !std::is_same_v<I, Others>));
+
+/// The longest list of a class, far below what compilers can take in.
+inline constexpr std::size_t kLongestList = 128;
+
+/// Asked first, since a compiler that is out of its depth says nothing else.
+template <class Arguments>
+struct CheckedLength;
+template <class... T>
+struct CheckedLength<List<T...>> {
+    static_assert(sizeof...(T) <= kLongestList + 1,  // with the End
+                  "lyr: a class lists at most 128 interfaces and options; give the others by TIEs "
+                  "(LYR_TIE) or extensions");
+};
 
 /// Nothing but sentences: the interfaces of one class go together.
 template <class Interfaces>
@@ -132,6 +174,10 @@ struct CheckedInterfaces<List<I...>> {
         (kIsInterface<I> && ...),
         "lyr: what is listed here is no interface; list abstract classes that derive from "
         "IUnknown, and a base component as lyr::From<Base>");
+    static_assert(
+        (kHasOneParent<I> && ...),
+        "lyr: a listed interface derives from two others; an interface derives from IUnknown "
+        "or from one other interface, and a class lists several");
     static_assert(
         (kHasOwnId<I> && ...),
         "lyr: a listed interface has no id of its own; write LYR_INTERFACE(Name, \"...\") "
@@ -148,6 +194,9 @@ template <class Interfaces>
 struct CheckedBases;
 template <class... I>
 struct CheckedBases<List<I...>> {
+    static_assert(sizeof...(I) <= kLongestList,
+                  "lyr: a class answers at most 128 interfaces, with those that they derive from; "
+                  "give the others by TIEs (LYR_TIE) or extensions");
     static_assert(((Count<I, List<I...>>::value == 1) && ...),
                   "lyr: two of the listed interfaces derive from one base interface, which both "
                   "would answer; list one of them and give the other by a TIE (LYR_TIE) that names "

@@ -6,13 +6,25 @@
 #include "lyr/interface.h"
 
 #include <cstddef>
+#include <cstdint>
+#include <string>  // std::hash, for fewer lines than <functional>
 #include <type_traits>
 #include <utility>
 
+// What is refused with a sentence: by clang where it is written, and by g++, which has no such
+// attribute that works in templates, in the function's body. So std::is_constructible is wrong
+// about such a function under g++.
+#define LYR_KIT_PLAIN_POINTER                                                             \
+    "lyr: a plain pointer is no Ref, since it does not say whose count it is; take that " \
+    "over with lyr::Take(pointer), or take one of its own with lyr::Share(pointer)"
 #if defined(__clang__)
 #define LYR_KIT_LIFETIMEBOUND [[clang::lifetimebound]]
+#define LYR_KIT_REFUSED(sentence) __attribute__((unavailable(sentence)))
+#define LYR_KIT_REFUSE(T, sentence)
 #else
 #define LYR_KIT_LIFETIMEBOUND
+#define LYR_KIT_REFUSED(sentence)
+#define LYR_KIT_REFUSE(T, sentence) static_assert(sizeof(T) == 0, sentence);
 #endif
 
 namespace lyr {
@@ -51,6 +63,15 @@ inline HRESULT Query(IUnknown* object, const GUID& iid, void** out) {
     *out = nullptr;
     return object != nullptr ? object->QueryInterface(iid, out) : E_UNEXPECTED;
 }
+
+/// Each component object answers it with itself: As<LYRSysTSBaseUnknown>()->IsA() is its class.
+struct BaseUnknownDescription {
+    using Interface = LYRSysTSBaseUnknown;
+    using Inherited = NoDescription;
+    static constexpr GUID id = LYR_ID("6dadd843-bcd7-4107-b9e9-72342d738784");
+    static constexpr char name[] = "LYRSysTSBaseUnknown";
+};
+BaseUnknownDescription* LyrInterfaceOf(LYRSysTSBaseUnknown*, Asking);
 
 /// Where an operation with a `void**` puts what it gives. Lives for that one call.
 template <class T>
@@ -92,6 +113,7 @@ template <class J, class T>
     IUnknown* const object = detail::ToUnknown(pointer);
     const HRESULT result = detail::Query(object, IdOf<J>(), &out);
     if (result != S_OK) detail::ThrowNoInterface(object, NameOf<J>(), result);
+    if (out == nullptr) detail::ThrowNoInterface(object, NameOf<J>(), E_NOINTERFACE);
     return Take(detail::FromVoid<J>(out));
 }
 
@@ -115,7 +137,13 @@ public:
     template <class U, class = std::enable_if_t<std::is_convertible_v<U*, T*>>>
     Ref(Ref<U>&& other) noexcept : _pointer(other.Detach()) {}
 
-    Ref& operator=(Ref other) noexcept {
+    /// Refused: Take and Share make a Ref of a plain pointer.
+    template <class U, class = std::enable_if_t<std::is_convertible_v<U*, T*>>>
+    LYR_KIT_REFUSED(LYR_KIT_PLAIN_POINTER)
+    Ref(U*){LYR_KIT_REFUSE(U, LYR_KIT_PLAIN_POINTER)}
+
+    Ref&
+    operator=(Ref other) noexcept {
         Swap(other);
         return *this;
     }
@@ -192,11 +220,29 @@ bool operator!=(std::nullptr_t, const Ref<T>& b) noexcept {
     return static_cast<bool>(b);
 }
 
-/// Whether two interfaces are of the same object; so are two that are null.
+/// An order by address, for sets and maps: the same while the program runs.
+template <class T>
+bool operator<(const Ref<T>& a, const Ref<T>& b) noexcept {
+    return reinterpret_cast<std::uintptr_t>(a.Get()) < reinterpret_cast<std::uintptr_t>(b.Get());
+}
+
+/// Whether two interfaces are of the same object; so are two that are null. An object that is being
+/// deleted does not tell: of that one, only equal addresses are the same.
 template <class T, class U>
 [[nodiscard]] bool SameObject(const Ref<T>& a, const Ref<U>& b) {
-    return a.template TryAs<IUnknown>() == b.template TryAs<IUnknown>();
+    const Ref<IUnknown> first = a.template TryAs<IUnknown>();
+    const Ref<IUnknown> second = b.template TryAs<IUnknown>();
+    if (first || second) return first == second;
+    return detail::ToUnknown(a.Get()) == detail::ToUnknown(b.Get());
 }
 
 }  // namespace v1
 }  // namespace lyr
+
+/// By address, as ==.
+template <class T>
+struct std::hash<lyr::Ref<T>> {
+    std::size_t operator()(const lyr::Ref<T>& ref) const noexcept {
+        return std::hash<T*>()(ref.Get());
+    }
+};

@@ -37,8 +37,9 @@ struct CheckedFake : CheckedInterfaces<TieInterfaces<Traits>> {
     static constexpr bool value = sizeof(typename Only<TieInterfaces<Traits>>::Type*) != 0;
 };
 
-/// Makes `factory` answer the interface for objects of the class that `meta` describes. Ends the
-/// program when the class is not known, which null says, or was asked for the interface before.
+/// Makes `factory` answer the interface for objects of the class that `meta` describes; when it
+/// does so already, nothing. Ends the program when the class is not known, which null says, when
+/// what is linked answers the interface already, or the class was asked for it before.
 LYR_EXPORT void AnswerInTest(LYRSysTSMetaClass* meta, const char* className, const GUID& iid,
                              const char* interfaceName, LYRSysTSInterfaceFactory factory);
 
@@ -48,7 +49,8 @@ void Answer(LYRSysTSMetaClass* meta, const char* className, LYRSysTSInterfaceFac
 }
 
 template <class Tie, class... I>
-void AnswerByTies(LYRSysTSMetaClass* meta, const char* className, List<I...>) {
+void AnswerByTies([[maybe_unused]] LYRSysTSMetaClass* meta, [[maybe_unused]] const char* className,
+                  List<I...>) {
     (Answer<I>(
          meta, className,
          [](LYRSysTSBaseUnknown* object, unsigned char) { return AnswerByTie<Tie, I>(object); }),
@@ -56,22 +58,30 @@ void AnswerByTies(LYRSysTSMetaClass* meta, const char* className, List<I...>) {
 }
 
 template <class C, class... I>
-void AnswerByItself(LYRSysTSMetaClass* meta, const char* className, List<I...>) {
+void AnswerByItself([[maybe_unused]] LYRSysTSMetaClass* meta,
+                    [[maybe_unused]] const char* className, List<I...>) {
     (Answer<I>(
          meta, className,
          [](LYRSysTSBaseUnknown* object, unsigned char) { return AnswerItself<C, I>(object); }),
      ...);
 }
 
-/// Calls `answer` with the meta-object and the name of each class that objects of `C` answer for.
+/// Calls `answer` with the meta-object and the name of each class that objects of `C` answer for:
+/// of the classes that an extension extends, those that are known, or else the first one and null.
 template <class C, class Action>
 void ForEachAnswered(Action answer) {
     if constexpr (IsExtension(KindOf<C>())) {
         static constexpr auto names = NamesOf<typename C::LyrTraits>();
         C::MetaObject();
-        for (const char* name = NextText(names.characters); *name != '\0'; name = NextText(name)) {
-            answer(LYRSysTSDictionary::QueryMetaObject(name), name);
+        const char* const first = NextText(names.characters);
+        bool isAnyKnown = false;
+        for (const char* name = first; *name != '\0'; name = NextText(name)) {
+            LYRSysTSMetaClass* const meta = LYRSysTSDictionary::QueryMetaObject(name);
+            if (meta == nullptr) continue;
+            answer(meta, name);
+            isAnyKnown = true;
         }
+        if (!isAnyKnown) answer(nullptr, first);
     } else {
         answer(C::MetaObject(), NameOfClass<C>());
     }
@@ -82,18 +92,21 @@ inline constexpr bool kIsTie = false;
 template <class T>
 inline constexpr bool kIsTie<T, std::void_t<typename T::LyrTieTraits>> = true;
 
+/// The class and its base components.
+template <class C>
+void LinkAnswers() {
+    ForEachAnswered<C>([](LYRSysTSMetaClass* meta, const char* name) {
+        AnswerByItself<C>(meta, name, typename C::LyrTraits::Facts::Answers{});
+    });
+    using Base = typename C::LyrTraits::Facts::Base;
+    if constexpr (kIsComponent<Base>) LinkAnswers<Base>();
+}
+
 template <class T>
-void LinkOne() {
-    if constexpr (kIsTie<T>) {
-        using Traits = typename T::LyrTieTraits;
-        ForEachAnswered<typename Traits::Object>([](LYRSysTSMetaClass* meta, const char* name) {
-            AnswerByTies<T>(meta, name, TieAnswers<Traits>{});
-        });
-    } else {
+void LinkComponent() {
+    if constexpr (!kIsTie<T>) {
         using Facts = typename T::LyrTraits::Facts;
-        ForEachAnswered<T>([](LYRSysTSMetaClass* meta, const char* name) {
-            AnswerByItself<T>(meta, name, typename Facts::Answers{});
-        });
+        if constexpr (!IsExtension(KindOf<T>())) LinkAnswers<T>();
         if constexpr (Facts::kIsCreatable) {
             void* (*const create)(void*) = [](void*) { return CreateByName<T>(); };
             const LYRSysTSFillDictionary registration(
@@ -103,20 +116,36 @@ void LinkOne() {
     }
 }
 
+template <class T>
+void LinkOther() {
+    if constexpr (kIsTie<T>) {
+        using Traits = typename T::LyrTieTraits;
+        ForEachAnswered<typename Traits::Object>([](LYRSysTSMetaClass* meta, const char* name) {
+            AnswerByTies<T>(meta, name, TieAnswers<Traits>{});
+        });
+    } else if constexpr (IsExtension(KindOf<T>())) {
+        LinkAnswers<T>();
+    }
+}
+
 }  // namespace detail
 
 namespace test {
 
 /// Makes the classes, which are compiled into the program, answer requests and creations by name:
-/// components first, then TIEs and extensions of theirs. Link<Circle, CircleTie, Layer>();
+/// components, with what their base components answer, and TIEs and extensions of theirs or of
+/// those linked before. Link<Circle, CircleTie, Layer>(); An extension answers for those of the
+/// classes that it extends which are there by then, of which there is one at least.
 template <class... T>
 void Link() {
-    (detail::LinkOne<T>(), ...);
+    (detail::LinkComponent<T>(), ...);
+    (detail::LinkOther<T>(), ...);
 }
 
 /// Puts the LYR_FAKE class `Fake` in the place of whatever answers its interface for objects of the
-/// class, and of classes derived from it. The class is linked, or one that can be made by name.
-/// Once one of its objects was asked for the interface, it is too late.
+/// class, and of classes derived from it. The class is one that can be made by name, or a linked
+/// one that does not answer the interface itself. Once one of its objects was asked for the
+/// interface, it is too late.
 template <class Fake>
 void Replace(const char* className) {
     using Traits = typename Fake::LyrTieTraits;

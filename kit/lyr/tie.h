@@ -40,7 +40,7 @@ inline namespace v1 {
 
 /// Among the interfaces of a TIE: it does not answer `Base`, from which its interface derives.
 template <class Base>
-struct Without : detail::Option {};
+struct Without : detail::TieOption {};
 
 namespace detail {
 
@@ -79,6 +79,17 @@ constexpr bool IsSameText(const char* a, const char* b) {
     return *a == *b;
 }
 
+/// Whether the list of a TIE for `I` leaves out nothing but what that derives from.
+template <class I, class T>
+constexpr bool kFitsTieFor = true;
+template <class I, class Base>
+constexpr bool kFitsTieFor<I, Without<Base>> =
+    std::is_base_of_v<Base, I> && !std::is_same_v<Base, I>;
+template <class I, class Arguments>
+constexpr bool kFit = false;
+template <class I, class... T>
+constexpr bool kFit<I, List<T...>> = (kFitsTieFor<I, T> && ...);
+
 template <class Traits>
 struct CheckedTie : CheckedInterfaces<TieInterfaces<Traits>> {
     static_assert(kIsComponent<typename Traits::Object>,
@@ -87,12 +98,16 @@ struct CheckedTie : CheckedInterfaces<TieInterfaces<Traits>> {
     static_assert(IsSameText(NameOfClass<typename Traits::Object>(), Traits::objectName),
                   "lyr: the class has another name than that of its C++ class; write "
                   "LYR_NAMED_TIE(Tie, Class, Name, Interface)");
-    static constexpr bool value = sizeof(typename Only<TieInterfaces<Traits>>::Type*) != 0;
+    static_assert(kHasOptionsOf<TieOption, typename Traits::Arguments>,
+                  "lyr: this option is for the class behind the TIE; a TIE has lyr::Without alone");
+    static_assert(kFit<typename Only<TieInterfaces<Traits>>::Type, typename Traits::Arguments>,
+                  "lyr: lyr::Without names an interface that the TIE's interface derives from");
+    static constexpr bool value = true;
 };
 
 /// The base of a TIE for an object of the class `C`.
 template <class Traits, class I, class C>
-class TieOf : public Foundation<I> {
+class TieOf : public GivenBackByRelease<I> {
 public:
     using LyrTieTraits = Traits;
 
@@ -140,9 +155,7 @@ using TieFor = TieOf<Traits, typename Only<TieInterfaces<Traits>>::Type, typenam
 /// runs out, no new extension is left behind.
 template <class Tie, class I>
 IUnknown* AnswerByTie(LYRSysTSBaseUnknown* object) {
-    static_assert(Making::kIsComplete<Tie>,
-                  "lyr: the TIE does not implement every operation of its interface; override what "
-                  "is missing");
+    static_cast<void>(&Making::CheckOverrides<Tie>);
     static_assert(Making::kHasDefault<Tie>,
                   "lyr: a TIE is made without arguments; give it a constructor that takes none, "
                   "public or with friend lyr::Making");

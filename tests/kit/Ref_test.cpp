@@ -1,6 +1,8 @@
 #include "TestSupport.h"
 #include "Workshop.h"
 
+#include <set>
+#include <unordered_set>
 #include <utility>
 
 // 32 interfaces: more than anybody lists.
@@ -46,6 +48,26 @@ LYR_COMPONENT(Many, lyr::Inner, I10, I11, I12, I13, I14, I15, I16, I17, I20, I21
         return n;              \
     }
     LYR_FOR_EACH(LYR_NUMBER)
+};
+
+// Compares itself with others that are being deleted.
+LYR_COMPONENT(Dying, lyr::Inner, IColor) {
+    ~Dying() override {
+        const lyr::Ref<IColor> self = lyr::Share(this);
+        itself += SameObject(self, self) ? 1 : 0;
+        if (_outer != nullptr) same += SameObject(self, lyr::Share(_outer)) ? 1 : 0;
+        if (_next != nullptr) _next->_outer = this;
+        _next = nullptr;
+    }
+    int Color() override {
+        return 0;
+    }
+    void SetColor(int) override {}
+
+    static inline int same = 0;
+    static inline int itself = 0;
+    lyr::Ref<Dying> _next;
+    Dying* _outer = nullptr;
 };
 
 // An interface without the kit over one of the kit's over one without; its chain is found.
@@ -124,6 +146,46 @@ TEST(Ref, NullIsAskedWithoutHarm) {
     EXPECT_EQ(sizeof some, sizeof(void*));
 }
 
+TEST(Ref, StandsInSetsAndMaps) {
+    const lyr::Ref<IColor> one = lyr::Make<TestShape>();
+    const lyr::Ref<IColor> other = lyr::Make<TestShape>();
+    const std::set<lyr::Ref<IColor>> sorted{one, other, one, nullptr};
+    EXPECT_EQ(sorted.size(), 3U);
+    EXPECT_EQ(sorted.count(other), 1U);
+    const std::unordered_set<lyr::Ref<IColor>> hashed{one, other, one, nullptr};
+    EXPECT_EQ(hashed.size(), 3U);
+    EXPECT_EQ(CountOf(one.Get()), 3U);
+}
+
+// An object as others write them: it says yes, and gives nothing.
+struct Empty final : IColor {
+    HRESULT QueryInterface(const GUID&, void** out) override {
+        *out = nullptr;
+        return S_OK;
+    }
+    std::uint32_t AddRef() override { return 2; }
+    std::uint32_t Release() override { return 1; }
+    int Color() override { return 0; }
+    void SetColor(int) override {}
+};
+
+TEST(Ref, NothingIsNoInterface) {
+    Empty empty;
+    EXPECT_THROW(static_cast<void>(lyr::As<IShape>(&empty)), lyr::Failure);
+    EXPECT_EQ(lyr::TryAs<IShape>(&empty), nullptr);
+}
+
+TEST(Ref, ObjectsThatAreBeingDeletedAreNotOne) {
+    const lyr::Ref<Dying> one = lyr::Make<Dying>();
+    EXPECT_TRUE(SameObject(one, lyr::Ref<IColor>(one)));
+    lyr::Ref<Dying> first = lyr::Make<Dying>();
+    lyr::Ref<Dying> second = lyr::Make<Dying>();
+    first->_next = std::move(second);
+    first = nullptr;
+    EXPECT_EQ(Dying::same, 0);
+    EXPECT_EQ(Dying::itself, 2);
+}
+
 TEST(Component, HandsOutEachOf32Interfaces) {
     const lyr::Ref<Many> many = lyr::Make<Many>();
 #define LYR_EXPECT_NUMBER(n)                         \
@@ -137,14 +199,12 @@ TEST(Component, HandsOutEachOf32Interfaces) {
 TEST(Component, RawCodeSeesAnObjectLikeAnyOther) {
     UseDictionaryPath(LYR_KIT_DICTIONARY);
     const auto square = lyr::Create<IShape>("Square");
-    void* out = nullptr;
-    ASSERT_EQ(square->QueryInterface(CLSID_LYRSysTSBaseUnknown, &out), S_OK);
-    auto* const base = static_cast<LYRSysTSBaseUnknown*>(static_cast<IUnknown*>(out));
+    EXPECT_EQ(lyr::IdOf<LYRSysTSBaseUnknown>(), CLSID_LYRSysTSBaseUnknown);
+    const auto base = square.As<LYRSysTSBaseUnknown>();
     EXPECT_STREQ(base->IsA(), "Square");
     EXPECT_EQ(base->IsAKindOf("Shape"), 1);
     EXPECT_EQ(*base->GetMetaObject()->GetClassId(), kSquareId);
-    EXPECT_EQ(CountOf(base), 2U);
-    base->Release();
+    EXPECT_EQ(CountOf(base.Get()), 2U);
 }
 
 }  // namespace

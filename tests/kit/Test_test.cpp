@@ -35,6 +35,28 @@ private:
     int _layer = 0;
 };
 
+LYR_COMPONENT(GreenLamp, lyr::From<Lamp>, INamed) {
+    const char* Name() override {
+        return "green";
+    }
+};
+LYR_COMPONENT(Bulb, lyr::TiesOnly) {
+};
+LYR_TRANSIENT_EXTENSION(ManyTitles, (Nobody, Lamp), ITitled) {
+    const char* Name() override {
+        return "any";
+    }
+    const char* Title() override {
+        return "Any";
+    }
+};
+LYR_KEPT_EXTENSION(Lost, (Nobody), ILayer) {
+    int Layer() override {
+        return 0;
+    }
+    void SetLayer(int) override {}
+};
+
 LYR_FAKE(FakeShape, workshop::IPolygon) {
     int Corners() override {
         return -1;
@@ -62,6 +84,21 @@ TEST(Link, NeedsNoDictionary) {
     EXPECT_EQ(lamp.TryAs<IMissing>(), nullptr);
 }
 
+TEST(Link, BringsBaseComponentsAndNeedsNoOrder) {
+    UseDictionaryPath("");
+    lyr::test::Link<ManyTitles, Bulb, GreenLamp, Lamp>();
+    const auto lamp = lyr::Create<IColor>("GreenLamp");
+    EXPECT_STREQ(lamp.As<INamed>()->Name(), "green");
+    EXPECT_STREQ(lamp.As<ITitled>()->Title(), "Any");
+    EXPECT_EQ(lyr::Create<IUnknown>("Bulb").TryAs<IColor>(), nullptr);
+}
+
+TEST(Link, BringsTheBaseAlone) {
+    UseDictionaryPath("");
+    lyr::test::Link<GreenLamp>();
+    EXPECT_EQ(lyr::Create<IColor>("GreenLamp")->Color(), 1);
+}
+
 TEST(Replace, TakesThePlaceOfALibrarysImplementation) {
     UseDictionaryPath(LYR_KIT_DICTIONARY);
     lyr::test::Replace<FakeShape>("Square");
@@ -85,6 +122,12 @@ TEST(ReplaceDeathTest, RefusesWhatComesTooLateOrToNobody) {
     EXPECT_DEATH(
         lyr::test::Replace<FakeShape>("Square"),
         "lyr: no other IShape for a Square in this test: the class was asked for it before");
+    lyr::test::Link<Lamp>();
+    EXPECT_DEATH(lyr::test::Replace<FakeColor>("Lamp"),
+                 "lyr: no other IColor for a Lamp in this test: a class that is linked, or a fake, "
+                 "answers it already");
+    EXPECT_DEATH(lyr::test::Link<Lost>(),
+                 "lyr: no other ILayer for a Nobody in this test: no such class is known");
     EXPECT_DEATH(lyr::test::Replace<FakeShape>("Nobody"),
                  "lyr: no other IPolygon for a Nobody in this test: no such class is known");
 }

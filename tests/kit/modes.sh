@@ -64,7 +64,7 @@ if library Names "${flags[@]}" -std=c++17 -O2 names.cpp 2>names.log; then
     symbols=$(nm -D --defined-only libLyrTestNames.so | grep LYRSysTSCreateI)
     ! grep -v ' T ' <<<"$symbols" || { echo "these are no functions" >&2; exit 1; }
 else
-    # clang, which wants something of the interface's name defined, says so.
+    # clang, which wants something of the interface's name defined, says so; of two sources, `lyr`.
     grep "^error: LYRSysTSCreateIPartView changed binding" names.log || { cat names.log >&2; exit 1; }
 fi
 

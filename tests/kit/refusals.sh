@@ -36,6 +36,13 @@ refuse() {
         ((++failures))
     fi
 }
+# also <words>: among the lines behind that first error. None of <words>: nowhere there.
+also() {
+    grep -qE "$1" errors || { echo "expected behind the first error: $1" && cat errors; ((++failures)); }
+}
+never() {
+    ! grep -E "$1" errors || ((++failures))
+}
 
 interface() { echo "struct IX : IUnknown { LYR_INTERFACE($1, \"$2\"); };"; }
 id=d0000000-0000-4000-8000-000000000009
@@ -71,10 +78,32 @@ refuse 'lyr: lyr::From names the base component' "struct S {}; LYR_COMPONENT(C, 
 refuse 'lyr: the base component says whether' "$base LYR_COMPONENT(C, lyr::OneThread, lyr::From<Base>, IA) BODY_A;" \
     "$base LYR_COMPONENT(C, lyr::From<Base>, lyr::Inner, IA) BODY_A;"
 refuse 'lyr: the class lists no interface' 'LYR_COMPONENT(C) {};' 'LYR_COMPONENT(C, lyr::TiesOnly) {};'
-refuse 'lyr: the class does not implement every operation' 'LYR_COMPONENT(C, IA) {};' 'LYR_COMPONENT(C, IA) BODY_A;'
+many=$(for n in {1000..1128}; do
+    echo "struct I$n : IUnknown { LYR_INTERFACE(I$n, \"d0000000-0000-4000-8000-00000000$n\"); };"
+done)
+few=$(printf 'I%d, ' {1001..1128})
+refuse 'lyr: a class lists at most 128' "$many LYR_COMPONENT(C, $few I1000) {};" "$many LYR_COMPONENT(C, ${few%, }) {};"
+refuse 'lyr: a class answers at most 128' "$many LYR_COMPONENT(C, ${few/I1001,/} IA1) { void A() override {} void A1() override {} };" \
+    "$many LYR_COMPONENT(C, ${few/I1001,/} IA) BODY_A;"
+refuse 'lyr: a listed interface derives from two others' \
+    "struct IX : IA, IB { LYR_INTERFACE(IX, \"$id\"); }; LYR_COMPONENT(C, IX) { void A() override {} void B() override {} };" \
+    'LYR_COMPONENT(C, IA, IB) { void A() override {} void B() override {} };'
+refuse 'lyr: this interface derives from two others' \
+    "struct IX : IA, IB { LYR_INTERFACE(IX, \"$id\"); }; IID F() { return lyr::IdOf<IX>(); }" \
+    "struct IX : IA { LYR_INTERFACE(IX, \"$id\"); }; IID F() { return lyr::IdOf<IX>(); }"
+refuse 'lyr: a class has one base component' "$base LYR_COMPONENT(Two, lyr::TiesOnly) {}; LYR_COMPONENT(C, lyr::From<Base>, lyr::From<Two>, IA) BODY_A;" \
+    "$base LYR_COMPONENT(Two, lyr::TiesOnly) {}; LYR_COMPONENT(C, lyr::From<Base>, IA) BODY_A;"
+refuse 'lyr: a class has one id' 'LYR_COMPONENT(C, IA, LYR_CLASS_ID(ID(5)), LYR_CLASS_ID(ID(6))) BODY_A;' \
+    'LYR_COMPONENT(C, IA, LYR_CLASS_ID(ID(5))) BODY_A;'
+refuse 'lyr: the class does not implement every operation' 'LYR_COMPONENT(C, IA, IB) {};' \
+    'LYR_COMPONENT(C, IA, IB) { void A() override {} void B() override {} };'
+# One cause is told once, and by name.
+also "note: .*'A'|IA::A\\(\\)"
+never 'made without arguments'
+[[ $(grep -c ' error: .*lyr: ' errors) == 1 ]] || { echo "one cause, several sentences" && ((++failures)); }
 refuse 'lyr: the class does not implement every operation' 'LYR_KEPT_EXTENSION(E, (C), IA) {};' \
     'LYR_KEPT_EXTENSION(E, (C), IA) BODY_A;'
-refuse 'lyr: the TIE does not implement every operation' 'LYR_COMPONENT(C, lyr::TiesOnly) {}; LYR_TIE(T, C, IA) {};' \
+refuse 'lyr: the class does not implement every operation' 'LYR_COMPONENT(C, lyr::TiesOnly) {}; LYR_TIE(T, C, IA) {};' \
     'LYR_COMPONENT(C, lyr::TiesOnly) {}; LYR_TIE(T, C, IA) BODY_A;'
 
 # Kinds.
@@ -94,7 +123,17 @@ refuse 'lyr: a TIE gives one interface' 'LYR_COMPONENT(C, lyr::TiesOnly) {}; LYR
     'LYR_COMPONENT(C, lyr::TiesOnly) {}; LYR_TIE(T, C, IA) BODY_A;'
 refuse 'lyr: the class has another name' 'LYR_NAMED_COMPONENT(C, D, lyr::TiesOnly) {}; LYR_TIE(T, C, IA) BODY_A;' \
     'LYR_NAMED_COMPONENT(C, D, lyr::TiesOnly) {}; LYR_NAMED_TIE(T, C, D, IA) BODY_A;'
-refuse 'lyr: an extension is made by the request' \
+ties='LYR_COMPONENT(C, lyr::TiesOnly) {};'
+refuse 'lyr: lyr::TiesOnly is for a class that lists no interface' 'LYR_COMPONENT(C, lyr::TiesOnly, IA) BODY_A;' \
+    'LYR_COMPONENT(C, IA) BODY_A;'
+refuse 'lyr: lyr::Without is for a TIE' 'LYR_COMPONENT(C, IA, lyr::Without<IB>) BODY_A;' 'LYR_COMPONENT(C, IA) BODY_A;'
+refuse 'lyr: an extension is made by requests alone' 'LYR_KEPT_EXTENSION(E, (C), IA, lyr::Inner) BODY_A;' \
+    'LYR_KEPT_EXTENSION(E, (C), IA) BODY_A;'
+refuse 'lyr: this option is for the class behind the TIE' "$ties LYR_TIE(T, C, IA, lyr::OneThread) BODY_A;" \
+    "$ties LYR_TIE(T, C, IA) BODY_A;"
+refuse 'lyr: lyr::Without names an interface that' "$ties LYR_TIE(T, C, IA, lyr::Without<IB>) BODY_A;" \
+    "$ties LYR_TIE(T, C, IA) BODY_A;"
+refuse 'lyr: an extension is made by the request for' \
     'LYR_KEPT_EXTENSION(E, (C), IA) BODY_A; void F() { auto e = lyr::Make<E>(); }' \
     'LYR_COMPONENT(E, IA) BODY_A; void F() { auto e = lyr::Make<E>(); }'
 refuse 'lyr: objects that are made by name are made without arguments' \
@@ -107,13 +146,21 @@ refuse 'lyr: objects that are made by name are made without arguments' \
 
 # Objects and references.
 object='LYR_COMPONENT(C, IA) BODY_A; void F() {'
+# Of an abstract class and of a protected member the language has compilers speak first, whatever is
+# declared; what they name says what to do.
 refuse abstract "$object C c; }" "$object auto c = lyr::Make<C>(); }"
+also ObjectsAreMadeByLyrMakeOrLyrCreate
 refuse abstract "$object auto* c = new C; }" "$object auto c = lyr::Make<C>(); }"
-refuse 'protected|inaccessible' 'LYR_COMPONENT(C, IA) BODY_A; void F(C* c) { delete c; }' \
-    'LYR_COMPONENT(C, IA) BODY_A; void F(C* c) { c->Release(); }'
+also ObjectsAreMadeByLyrMakeOrLyrCreate
+refuse 'operator delete.* protected .*GivenBackByRelease|GivenBackByRelease<.*operator delete.* protected' \
+    'LYR_COMPONENT(C, IA) BODY_A; void F(C* c) { delete c; }' 'LYR_COMPONENT(C, IA) BODY_A; void F(C* c) { c->Release(); }'
 refuse 'protected|non-virtual' 'void F(IA* a) { delete a; }' 'void F(IA* a) { a->Release(); }'
-refuse 'lyr::.*Ref|no viable' 'lyr::Ref<IA> F(IA* a) { return a; }' 'lyr::Ref<IA> F(IA* a) { return lyr::Share(a); }'
-refuse 'lyr::.*Ref|no matching' 'void F(IA* a) { lyr::Ref<IA> r(a); }' 'void F(IA* a) { auto r = lyr::Take(a); }'
+refuse 'lyr: a plain pointer is no Ref' 'lyr::Ref<IA> F(IA* a) { return a; }' 'lyr::Ref<IA> F(IA* a) { return lyr::Share(a); }'
+refuse 'lyr: a plain pointer is no Ref' 'void F(IA1* a) { lyr::Ref<IA> r(a); }' 'void F(IA1* a) { lyr::Ref<IA> r(lyr::Take(a)); }'
+refuse 'lyr: a plain pointer is no Ref' 'void F(lyr::Ref<IA> r, IA* a) { r = a; }' 'void F(lyr::Ref<IA> r) { r = nullptr; }'
+refuse 'lyr: a plain pointer is no Ref' 'void G(lyr::Ref<IA>); void F(IA* a) { G(a); }' \
+    'void G(lyr::Ref<IA>); void G(IA*); void F(IA* a) { G(a); }'
+refuse "conver|viable|no matching" 'lyr::Ref<IA> F(IB* b) { return b; }' 'lyr::Ref<IA> F() { return {}; }'
 refuse 'conver' 'IA* F(const lyr::Ref<IA>& a) { return a; }' 'IA* F(const lyr::Ref<IA>& a) { return a.Get(); }'
 refuse 'conver' 'lyr::Ref<IB> F(lyr::Ref<IA> a) { return a.TryAs<IA>(); }' \
     'lyr::Ref<IB> F(lyr::Ref<IA> a) { return a.TryAs<IB>(); }'

@@ -61,6 +61,12 @@ const Fault kFaults[] = {
               "libA.so: note: so is LYRSysTSCreateIShapeCircle, for IShape of Circle",
      .options = "-Wl,--version-script=hide.map"},
     {.error =
+         "libA.so: error: LYRSysTSCreateIShapeCircle, for IShape of Circle, is hidden in "
+         "libA.so, perhaps because the interface IShapeCircle has that name, which clang keeps "
+         "inside; give the interface or the class another name [no-entry-point]",
+     .options = "-Wl,--version-script=one.map",
+     .line = "Square IShapeCircle libOther"},
+    {.error =
          "libA.so: error: LYRSysTSCreateIShapeCircle, for IShape of Circle, is not exported by "
          "libA.so, which has _Z26LYRSysTSCreateIShapeCirclePv; declare it extern \"C\" "
          "[no-entry-point]",
@@ -161,6 +167,7 @@ const Fault kFaults[] = {
 Outcome Try(const Workshop& shop, const Texts& records, const Texts& functions,
             const std::string& code, const std::string& options, const std::string& line) {
     shop.Write("hide.map", "{ local: *; };");
+    shop.Write("one.map", "{ local: LYRSysTSCreateIShapeCircle; };");
     shop.Build("libA.so", records, functions, code, options);
     shop.Write("by hand.dicts", line + "\n");
     return shop.Lyr("manifest libA.so --with 'by hand.dicts'");

@@ -167,3 +167,6 @@ refuses_call '/elsewhere/lib is not below CMAKE_INSTALL_PREFIX' \
      lyr_add_application(new SOURCES main.cpp)'
 refuses_call 'lyr_test_environment(none): this directory has no test of that name' \
     'lyr_test_environment(none)'
+refuses_call 'no target in which gtest_discover_tests(new), above, finds tests' \
+    'lyr_add_application(new SOURCES main.cpp)
+     lyr_test_environment(new)'

@@ -1,0 +1,4 @@
+#include <lyr/kit.h>
+
+LYR_COMPONENT(Chair, lyr::TiesOnly) {
+};
