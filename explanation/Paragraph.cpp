@@ -124,6 +124,11 @@ bool IsRemembered(const Question& question, const std::vector<Step>& steps) {
                                       Cause::kNoFolders, Cause::kFactoryGaveNull});
 }
 
+const char* WhenOf(const Question& question) {
+    if (!question.isOfRequest) return "now, for this explanation";
+    return question.interfaceName.empty() ? "when it was to be made" : "at the first request";
+}
+
 }  // namespace
 
 void Tell(const Question& question, Explanation& explanation) {
@@ -133,8 +138,7 @@ void Tell(const Question& question, Explanation& explanation) {
     explanation.root = isYes ? explanation.steps.size() : RootOf(explanation.steps);
     explanation.text = FirstLine(question, explanation);
     explanation.text += Row("asked for", question.asked);
-    explanation.text +=
-        Row("looked", question.isOfRequest ? "at the first request" : "now, for this explanation");
+    explanation.text += Row("looked", WhenOf(question));
     explanation.text += Road(question, explanation, files);
     explanation.text += Remedy(explanation);
     if (!isYes && IsRemembered(question, explanation.steps)) {

@@ -1,13 +1,9 @@
 #include "lyr/failure.h"
 
 #include "LYRSysTSDicoCLSIDName.h"
-#include "LYRSysTSDictionary.h"
-#include "LYRThrLibraryManager.h"
-#include "lyr/records.h"
-#include "lyr/ref.h"
+#include "lyr/explain.h"
 
 #include <cstdio>
-#include <cstdlib>
 #include <exception>
 #include <mutex>
 
@@ -24,25 +20,6 @@ Failure::~Failure() = default;
 namespace detail {
 
 namespace {
-
-std::string InBraces(const GUID& id) {
-    std::string text(kIdLength + 3, '\0');
-    Writer(text.data()).Word(id);
-    return text.substr(1);
-}
-
-std::string Dictionaries() {
-    const char* const path = std::getenv("LYRDictionaryPath");  // NOLINT(concurrency-mt-unsafe)
-    if (path == nullptr) return "LYRDictionaryPath, which is not set";
-    return "LYRDictionaryPath, now \"" + std::string(path) + "\"";
-}
-
-/// The name of the object's class.
-std::string ClassOf(IUnknown* object) {
-    const Ref<LYRSysTSBaseUnknown> base = TryAs<LYRSysTSBaseUnknown>(object);
-    const char* const name = base != nullptr ? base->IsA() : nullptr;
-    return name != nullptr ? name : "object";
-}
 
 /// What the latest constructor that failed has thrown, for people to read. Nothing of it is made or
 /// destroyed, as other libraries' static objects may still make components.
@@ -64,107 +41,80 @@ private:
 
 constinit LatestThrown latestThrown;
 
-/// What the dictionary has for the creation of a class by name. Texts are interned.
-struct Entry {
-    bool isCreatorKnown = false;
-    const char* library = nullptr;
-};
-
-Entry EntryOf(const char* className) {
-    const LYRSysTSInfoDic* const record =
-        LYRSysTSDictionary::QueryDictionary(className, "CreateInterface", 1);
-    if (record == nullptr) return {};
-    // Other threads may be filling the record in.
-    GetGlobalDicoMutex()->LockF();
-    const Entry entry{record->creator != nullptr, record->sharedLibrary};
-    GetGlobalDicoMutex()->UnlockF();
-    return entry;
+Reason ReasonOf(const Explanation& explanation) {
+    if (explanation.root >= explanation.steps.size()) return Reason::kUnknownClass;
+    switch (explanation.steps[explanation.root].cause) {
+        case Cause::kLibraryNotFound:
+        case Cause::kLibraryNotLoading:
+            return Reason::kMissingLibrary;
+        case Cause::kNoFunction:
+        case Cause::kFunctionElsewhere:
+            return Reason::kMissingEntryPoint;
+        default:
+            return Reason::kUnknownClass;
+    }
 }
 
-/// Goes the way of a creation again, up to where it ends: says why no object came of it.
-class Creation {
-public:
-    /// What was asked for, "a Greeter"; where its dictionary line would stand, "Greeter
-    /// CreateInterface <library> in a .dicts file"; and the answer of the creation.
-    Creation(std::string what, std::string line, HRESULT result)
-        : _what(std::move(what)), _line(std::move(line)), _result(result) {}
+[[noreturn]] void Throw(Reason reason, HRESULT result, std::string text) {
+    if (!text.empty() && text.back() == '\n') text.pop_back();
+    throw Failure(reason, result, text);
+}
 
-    [[noreturn]] void ThrowUnknown() const {
-        Throw(Reason::kUnknownClass, "no dictionary file and no code says what makes it",
-              "remedy      a line " + _line + ", in a folder of " + Dictionaries());
-    }
-    /// Throws when the library or the function in it is missing.
-    void ThrowMissing(const std::string& library, const std::string& function) const {
-        if (LYRThrLibraryManager::LoadLibrary(library.c_str()) == nullptr) {
-            Throw(Reason::kMissingLibrary, "the library " + library + " does not load",
-                  "the loader  " + LYRThrLibraryManager::LastFailure());
-        }
-        if (LYRThrLibraryManager::GetFunctionAddress(library.c_str(), function.c_str()) ==
-            nullptr) {
-            Throw(Reason::kMissingEntryPoint, "the library " + library + " exports no " + function,
-                  "remedy      define the class in that library, or correct the line " + _line);
-        }
-    }
-    [[noreturn]] void ThrowNotMade() const {
-        const std::string thrown = latestThrown.Get();
-        Throw(Reason::kNotMade, "the function that makes it gave no object",
-              thrown.empty()
-                  ? "perhaps     its library refuses, or memory is out"
-                  : "perhaps     its constructor; the latest that failed threw: " + thrown);
-    }
+/// All that is to be found is there; no object came of it.
+[[noreturn]] void ThrowNotMade(const std::string& what, HRESULT result) {
+    const std::string thrown = latestThrown.Get();
+    Throw(Reason::kNotMade, result,
+          "lyr: no " + what + " is made: the function that makes it gave no object\n" +
+              (thrown.empty()
+                   ? "  perhaps     its library refuses, or memory is out"
+                   : "  perhaps     its constructor; the latest that failed threw: " + thrown));
+}
 
-private:
-    [[noreturn]] void Throw(Reason reason, const std::string& why, const std::string& more) const {
-        throw Failure(reason, _result, "lyr: no " + _what + " is made: " + why + "\n  " + more);
+/// The refusal of a request, told before where that is asked for.
+[[noreturn]] void ThrowRefusal(const Explanation& explanation, HRESULT result) {
+    Report(explanation);
+    const std::string what = explanation.interfaceName + " for a " + explanation.className;
+    if (explanation.answer == Explanation::Answer::kYes) {
+        Throw(Reason::kNoInterface, result,
+              "lyr: no " + what +
+                  ": the function that answers it gave null\n"
+                  "  perhaps     what makes its implementation has failed, or refuses");
     }
-
-    std::string _what;
-    std::string _line;
-    HRESULT _result;
-};
+    Throw(Reason::kNoInterface, result,
+          explanation.text +
+              "  or          list it in the class, or use TryAs where it may be missing");
+}
 
 }  // namespace
 
-void ThrowNoInterface(IUnknown* object, const char* interfaceName, HRESULT result) {
-    const std::string name = interfaceName;
+void ThrowNoInterface(IUnknown* object, const GUID& iid, const char* interfaceName,
+                      HRESULT result) {
     if (object == nullptr) {
-        throw Failure(Reason::kNullReference, result,
-                      "lyr: no " + name +
-                          ": a null reference was asked\n"
-                          "  remedy      test the reference before, or use TryAs");
+        Throw(Reason::kNullReference, result,
+              std::string("lyr: no ") + interfaceName +
+                  ": a null reference was asked\n"
+                  "  remedy      test the reference before, or use TryAs");
     }
-    throw Failure(Reason::kNoInterface, result,
-                  "lyr: no " + name + " for a " + ClassOf(object) +
-                      "\n  remedy      list it in the class, or use TryAs where it may be missing");
+    ThrowRefusal(ExplainRequest(object, iid, Loading::kNo, interfaceName), result);
 }
 
 void ThrowNotCreated(const char* className) {
     if (className == nullptr) {
-        throw Failure(Reason::kUnknownClass, E_FAIL, "lyr: no object is made: no class was named");
+        Throw(Reason::kUnknownClass, E_FAIL, "lyr: no object is made: no class was named");
     }
-    const std::string name = className;
-    const Creation creation(name, "\"" + name + " CreateInterface <library>\" in a .dicts file",
-                            E_FAIL);
-    const Entry entry = EntryOf(className);
-    if (!entry.isCreatorKnown) {
-        if (entry.library == nullptr) creation.ThrowUnknown();
-        creation.ThrowMissing(entry.library, "fctLYRSysTSCreate" + name);
-    }
-    creation.ThrowNotMade();
+    const Explanation explanation = ExplainCreation(className, Loading::kYes);
+    if (explanation.answer == Explanation::Answer::kYes) ThrowNotMade(className, E_FAIL);
+    Throw(ReasonOf(explanation), E_FAIL, explanation.text);
 }
 
-void ThrowNotCreated(const GUID& clsid, const char* interfaceName, HRESULT result) {
-    const std::string id = InBraces(clsid);
+void ThrowNotCreated(const GUID& clsid, const GUID& iid, HRESULT result) {
+    const Explanation explanation = ExplainCreation(clsid, Loading::kYes);
     const CLSIDNameRecord* const entry = LYRSysTSDicoCLSIDName::QueryDicoCLSIDNameByCLSID(clsid);
-    const std::string what = entry != nullptr ? entry->className + (" " + id) : "object of " + id;
-    const Creation creation(what, "\"" + id + " <class> <library>\" in a .clsidts file", result);
-    if (entry == nullptr || entry->library == nullptr) creation.ThrowUnknown();
-    creation.ThrowMissing(entry->library, "LYRSysTSDllGetClassObject");
-    if (result == E_NOINTERFACE) {
-        throw Failure(Reason::kNoInterface, result,
-                      std::string("lyr: no ") + interfaceName + " for a " + entry->className);
+    if (explanation.answer != Explanation::Answer::kYes || entry == nullptr) {
+        Throw(ReasonOf(explanation), result, explanation.text);
     }
-    creation.ThrowNotMade();
+    if (result != E_NOINTERFACE) ThrowNotMade(entry->className, result);
+    ThrowRefusal(ExplainRequest(entry->className, iid, Loading::kYes), result);
 }
 
 void* MakeOrNull(void* (*make)()) noexcept {

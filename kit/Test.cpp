@@ -1,6 +1,7 @@
 #include "lyr/test.h"
 
 #include "LYRSysTSMetaClassImpl.h"
+#include "lyr/explain.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -15,8 +16,10 @@ namespace detail {
 namespace {
 
 [[noreturn]] void Refuse(const char* interfaceName, const char* className, const char* why) {
-    std::fprintf(stderr, "lyr: no other %s for a %s in this test: %s\n", interfaceName, className,
-                 why);
+    char text[1024];
+    std::snprintf(text, sizeof text, "lyr: no other %s for a %s in this test: %s\n", interfaceName,
+                  className, why);
+    Say(text);
     std::abort();
 }
 

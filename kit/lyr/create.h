@@ -39,7 +39,7 @@ template <class I>
     void* out = nullptr;
     const HRESULT result = LYRSysTSCreateInstance(clsid, IdOf<I>(), &out);
     if (result != S_OK || out == nullptr) {
-        detail::ThrowNotCreated(clsid, NameOf<I>(), result);
+        detail::ThrowNotCreated(clsid, IdOf<I>(), result);
     }
     return Take(detail::FromVoid<I>(out));
 }

@@ -22,8 +22,8 @@ enum class Reason {
     kNotMade,            ///< that function made no object: a constructor has failed, mostly
 };
 
-/// What such an operation throws. what() says what was asked of whom, why it failed, and what to
-/// do.
+/// What such an operation throws. what() says what was asked of whom, why it failed and what to do,
+/// as <lyr/explain.h> explains it.
 class LYR_EXPORT Failure : public std::runtime_error {
 public:
     Failure(Reason reason, HRESULT result, const std::string& text);
@@ -45,12 +45,11 @@ namespace detail {
 // They are in the library, so that what is compiled with and without exceptions is the same.
 
 /// Throws the Failure of a request; `object` may be null.
-[[noreturn]] LYR_EXPORT void ThrowNoInterface(IUnknown* object, const char* interfaceName,
-                                              HRESULT result);
+[[noreturn]] LYR_EXPORT void ThrowNoInterface(IUnknown* object, const GUID& iid,
+                                              const char* interfaceName, HRESULT result);
 /// Throws the Failure of a creation that gave null, or `result`. The name may be null.
 [[noreturn]] LYR_EXPORT void ThrowNotCreated(const char* className);
-[[noreturn]] LYR_EXPORT void ThrowNotCreated(const GUID& clsid, const char* interfaceName,
-                                             HRESULT result);
+[[noreturn]] LYR_EXPORT void ThrowNotCreated(const GUID& clsid, const GUID& iid, HRESULT result);
 
 /// What `make` makes; null when it throws.
 LYR_EXPORT void* MakeOrNull(void* (*make)()) noexcept;

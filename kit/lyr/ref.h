@@ -112,8 +112,8 @@ template <class J, class T>
     void* out = nullptr;
     IUnknown* const object = detail::ToUnknown(pointer);
     const HRESULT result = detail::Query(object, IdOf<J>(), &out);
-    if (result != S_OK) detail::ThrowNoInterface(object, NameOf<J>(), result);
-    if (out == nullptr) detail::ThrowNoInterface(object, NameOf<J>(), E_NOINTERFACE);
+    if (result != S_OK) detail::ThrowNoInterface(object, IdOf<J>(), NameOf<J>(), result);
+    if (out == nullptr) detail::ThrowNoInterface(object, IdOf<J>(), NameOf<J>(), E_NOINTERFACE);
     return Take(detail::FromVoid<J>(out));
 }
 

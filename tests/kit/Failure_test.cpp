@@ -43,15 +43,18 @@ TEST_F(FailureTest, ByNameSaysWhichItWas) {
         return FailureOf([=] { return lyr::Create<IColor>(name); });
     };
     EXPECT_EQ(create("Nobody"),
-              "2 lyr: no Nobody is made: no dictionary file and no code says what makes it");
+              "2 lyr: no Nobody is made: no dictionary line and no code says what makes a Nobody");
     EXPECT_EQ(create(nullptr), "2 lyr: no object is made: no class was named");
-    EXPECT_EQ(create("Lost"), "3 lyr: no Lost is made: the library LyrNoSuchLibrary does not load");
+    EXPECT_EQ(
+        create("Lost"),
+        "3 lyr: no Lost is made: LyrNoSuchLibrary is not found: libLyrNoSuchLibrary.so: cannot "
+        "open shared object file: No such file or directory");
     EXPECT_EQ(create("Empty"),
-              "4 lyr: no Empty is made: the library LyrTestWorkshop exports no "
-              "fctLYRSysTSCreateEmpty");
+              "4 lyr: no Empty is made: LyrTestWorkshop exports no fctLYRSysTSCreateEmpty");
     EXPECT_EQ(create("Failing"),
               "5 lyr: no Failing is made: the function that makes it gave no object");
-    EXPECT_EQ(create("StarMaker"), "1 lyr: no IColor for a StarMaker");
+    EXPECT_EQ(create("StarMaker"),
+              "1 lyr: no IColor for a StarMaker: no dictionary line for StarMaker and IColor");
     EXPECT_EQ(create("Square"), "nothing");
     std::string more;
     FailureOf([] { return lyr::Create<IColor>("Failing"); }, &more);
@@ -65,23 +68,25 @@ TEST_F(FailureTest, ByIdSaysWhichItWas) {
         return FailureOf([&] { return lyr::Create<ICounts>(clsid); });
     };
     EXPECT_EQ(create(kUnknownId),
-              "2 lyr: no object of {C0000000-0000-4000-8000-000000000003} is made: no dictionary "
-              "file and no code says what makes it");
-    EXPECT_EQ(create(kLostId),
-              "3 lyr: no Lost {C0000000-0000-4000-8000-000000000001} is made: the library "
-              "LyrNoSuchLibrary does not load");
+              "2 lyr: no object is made: no dictionary line names the class of the id");
+    EXPECT_EQ(
+        create(kLostId),
+        "3 lyr: no Lost is made: LyrNoSuchLibrary is not found: libLyrNoSuchLibrary.so: cannot "
+        "open shared object file: No such file or directory");
     EXPECT_EQ(create(kEmptyId),
-              "5 lyr: no Empty {C0000000-0000-4000-8000-000000000002} is made: the function that "
-              "makes it gave no object");
-    EXPECT_EQ(create(kSquareId), "1 lyr: no ICounts for a Square");
+              "5 lyr: no Empty is made: the function that makes it gave no object");
+    EXPECT_EQ(create(kSquareId),
+              "1 lyr: no ICounts for a Square: no dictionary line for Square and ICounts");
 }
 
 TEST_F(FailureTest, RequestsSayOfWhichClass) {
     const auto square = lyr::Create<IShape>(kSquareId);
-    EXPECT_EQ(FailureOf([&] { return square.As<IMissing>(); }), "1 lyr: no IMissing for a Square");
+    const std::string missing =
+        "1 lyr: no IMissing for a Square: no dictionary line for Square and IMissing";
+    EXPECT_EQ(FailureOf([&] { return square.As<IMissing>(); }), missing);
     // An extension answers for the object that it extends.
     const auto view = square.As<IView>();
-    EXPECT_EQ(FailureOf([&] { return view.As<IMissing>(); }), "1 lyr: no IMissing for a Square");
+    EXPECT_EQ(FailureOf([&] { return view.As<IMissing>(); }), missing);
     EXPECT_EQ(FailureOf([] { return lyr::Ref<IShape>().As<IColor>(); }),
               "0 lyr: no IColor: a null reference was asked");
 }
