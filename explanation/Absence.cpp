@@ -17,11 +17,15 @@ std::string Count(std::size_t count, const char* what) {
 
 /// The classes of the road, in which nothing was found: "Circle or its base Shape".
 std::string Classes(const std::string& asked, const std::vector<Step>& steps) {
-    std::string text = asked;
+    std::string bases;
+    int count = 0;
     for (const Step& step : steps) {
-        if (step.cause == Cause::kBaseClass) text += " or its base " + step.other;
+        if (step.cause != Cause::kNoEntry || step.className == asked) continue;
+        bases += (bases.empty() ? "" : ", ") + step.className;
+        ++count;
     }
-    return text;
+    if (count == 0) return asked;
+    return asked + (count == 1 ? " or its base " : " or its bases ") + bases;
 }
 
 /// What of the files the library does not see.

@@ -47,16 +47,18 @@ void FindPlaces(std::vector<Step>& steps, const FilesNow& files) {
         if (line == nullptr || !line->unread.empty() || !Names(*line, step.library)) continue;
         step.file = line->file;
         step.line = line->line;
+        step.words = line->Text();
     }
 }
 
 std::string Found(const Step& step) {
+    if (!step.file.empty()) {
+        return step.file + ":" + std::to_string(step.line) + "  " + step.words;
+    }
     std::string text = step.className;
     if (!step.interfaceName.empty()) text += " " + step.interfaceName;
     if (!step.library.empty()) text += " " + step.library;
-    if (!step.other.empty()) text += " (" + step.other + ")";
-    if (step.file.empty()) return text + "  (said by code, or by a file that has changed since)";
-    return step.file + ":" + std::to_string(step.line) + "  " + text;
+    return text + "  (said by code, or by a file that has changed since)";
 }
 
 /// Whether a line of the paragraph is made of the step: not of one that the first line tells, nor

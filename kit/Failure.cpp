@@ -55,6 +55,12 @@ Reason ReasonOf(const Explanation& explanation) {
     }
 }
 
+bool IsNotListed(const Explanation& explanation) {
+    if (explanation.root >= explanation.steps.size()) return false;
+    const Cause cause = explanation.steps[explanation.root].cause;
+    return cause == Cause::kNoEntry || cause == Cause::kIdWithoutName;
+}
+
 [[noreturn]] void Throw(Reason reason, HRESULT result, std::string text) {
     if (!text.empty() && text.back() == '\n') text.pop_back();
     throw Failure(reason, result, text);
@@ -80,9 +86,11 @@ Reason ReasonOf(const Explanation& explanation) {
                   ": the function that answers it gave null\n"
                   "  perhaps     what makes its implementation has failed, or refuses");
     }
-    Throw(Reason::kNoInterface, result,
-          explanation.text +
-              "  or          list it in the class, or use TryAs where it may be missing");
+    const char* const more =
+        IsNotListed(explanation)
+            ? "  or          list it in the class, or use TryAs where it may be missing"
+            : "";
+    Throw(Reason::kNoInterface, result, explanation.text + more);
 }
 
 }  // namespace

@@ -150,10 +150,7 @@ bool DictionarySearch::LeafImplements(const char* leaf) const {
 /// another thread, with this class still to be named.
 bool DictionarySearch::Extends(const EntryCopy& entry) {
     LYRSysTSMetaClassBase* const metaObject = FindOrLoadClass(entry.extension, entry.library);
-    if (metaObject == nullptr) {
-        Note(Cause::kUnknownExtension, entry.library, entry.extension);
-        return false;
-    }
+    if (metaObject == nullptr) return false;
     LYRSysTSMetaClassExt* const extension = metaObject->CastToMetaExtension();
     if (extension == nullptr) {
         Note(Cause::kNotAnExtension, entry.library, entry.extension);
@@ -181,7 +178,10 @@ LYRSysTSMetaClassBase* DictionarySearch::FindOrLoadClass(const char* name, const
     void* const handle = Load(library, nullptr, [=, this](bool& mayPass) {
         return LYRThrLibraryManager::TryLoadLibrary(library, mayPass, _notes);
     });
-    return handle != nullptr ? FindClass(name) : nullptr;
+    if (handle == nullptr) return nullptr;
+    LYRSysTSMetaClassBase* const found = FindClass(name);
+    if (found == nullptr) Note(Cause::kUnknownExtension, library, name);
+    return found;
 }
 
 LYRSysTSInterfaceFactory DictionarySearch::FindEntryPoint(const EntryCopy& entry,

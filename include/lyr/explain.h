@@ -22,7 +22,7 @@ inline namespace v1 {
 /// `className` and `interfaceName`.
 enum class Cause : std::int32_t {
     // It goes on.
-    kEntryFound,   ///< the dictionary has a line for the pair: `library`, `other` (leaf, extension)
+    kEntryFound,   ///< the dictionary has a line, `words`: `library`, `other` (leaf, extension)
     kAnswered,     ///< the function `symbol` of the library answers
     kKnownAnswer,  ///< an answer is known, of an earlier request or registered by code
     kBaseClass,    ///< the base class `other` is asked next
