@@ -1,7 +1,6 @@
 #include "inspection/EntryPoints.h"
 
 #include "inspection/LibraryNames.h"
-#include "inspection/MissingFunctions.h"
 
 #include <deque>
 #include <map>
@@ -53,20 +52,26 @@ EntryPoint EntryPointOf(const PairLine& line) {
             line.extension.empty() ? line.className : line.extension};
 }
 
-void CheckEntryPoints(const std::vector<Manifest>& manifests, const DictionaryLines& lines,
-                      Findings& findings) {
-    Libraries libraries(manifests);
+void RequireEntryPoints(const DictionaryLines& lines,
+                        const std::function<MissingFunctions*(const std::string&)>& find) {
     for (const PairLine& line : lines.pairs) {
-        MissingFunctions* const missing = libraries.Find(line.library);
-        if (missing == nullptr || line.interfaceName == "MetaObject") continue;
+        if (line.interfaceName == "MetaObject") continue;
+        MissingFunctions* const missing = find(line.library);
+        if (missing == nullptr) continue;
         missing->Require(EntryPointOf(line).Symbol(), WhatFor(line), line.place);
     }
     for (const ClassLine& line : lines.classes) {
-        MissingFunctions* const missing = libraries.Find(line.library);
+        MissingFunctions* const missing = find(line.library);
         if (missing == nullptr) continue;
         missing->Require(kClassObjectFunction, "making a " + line.className + " by its id",
                          line.place);
     }
+}
+
+void CheckEntryPoints(const std::vector<Manifest>& manifests, const DictionaryLines& lines,
+                      Findings& findings) {
+    Libraries libraries(manifests);
+    RequireEntryPoints(lines, [&](const std::string& name) { return libraries.Find(name); });
     libraries.Tell(findings);
 }
 
