@@ -64,10 +64,16 @@ void AddNotFound(const NamedLibrary& library, const SearchPlaces& places, Findin
         tried.append(tried.empty() ? "" : ", ").append(name);
     }
     const std::string line = "\"" + library.lines.front().text + "\" needs ";
+    const bool isCutPath =
+        library.name.find('/') != std::string::npos &&
+        library.lines.front().text.find(" lib" + library.name) != std::string::npos;
     findings.AddError(library.lines.front().place,
                       line + "a library that is not found: " +
                           (tried.empty() ? "no file has such a name" : tried) + " in " +
-                          PlacesText(places) + NearFiles(library, places),
+                          PlacesText(places) + NearFiles(library, places) +
+                          (isCutPath ? "; a leading \"lib\" is dropped, also of a folder's name, "
+                                       "which \"./\" before it prevents"
+                                     : ""),
                       "library-not-found", OtherLines(library));
 }
 
@@ -187,7 +193,9 @@ std::vector<Manifest> ReadManifests(const std::map<std::string, NamedLibrary>& l
     std::unordered_set<std::string> met;
     for (const auto& [name, library] : libraries) {
         const LoaderFile* const file = library.file;
-        if (file == nullptr || !file->object || !met.insert(file->pathHere).second) continue;
+        const bool isLibrary =
+            file != nullptr && file->object && file->object->whyNotLoaded.empty();
+        if (!isLibrary || !met.insert(file->pathHere).second) continue;
         Findings unread;
         std::optional<LibraryFile> read = ReadLibraryFile(file->pathHere, unread);
         Findings ofRecords;

@@ -40,11 +40,10 @@ void WarnOfRepetition(const Line& line, const Line& first, bool alsoInOtherFiles
 
 /// Takes lines of one kind, file by file, until one of a file is refused.
 template <typename Line, typename Take>
-void TakeUntilRefused(const std::vector<Line>& lines, Take take) {
-    const std::string* ended = nullptr;
+void TakeUntilRefused(const std::vector<Line>& lines, std::map<std::string, int>& ends, Take take) {
     for (const Line& line : lines) {
-        if (ended != nullptr && line.place.file == *ended) continue;
-        if (!take(line)) ended = &line.place.file;
+        if (ends.contains(line.place.file)) continue;
+        if (!take(line)) ends.emplace(line.place.file, line.place.line);
     }
 }
 
@@ -188,14 +187,16 @@ std::string NearText(const std::string& name, const std::vector<std::string>& na
 
 }  // namespace
 
-DictionaryLines Register(const DictionaryLines& lines, Findings& findings) {
-    DictionaryLines registered;
-    Pairs pairs(registered.pairs, findings);
-    Interfaces interfaces(registered.interfaces, findings);
-    Classes classes(registered.classes, findings);
+Registered Register(const DictionaryLines& lines, Findings& findings) {
+    Registered registered;
+    Pairs pairs(registered.lines.pairs, findings);
+    Interfaces interfaces(registered.lines.interfaces, findings);
+    Classes classes(registered.lines.classes, findings);
     for (const PairLine& line : lines.pairs) pairs.Take(line);
-    TakeUntilRefused(lines.interfaces, [&](const auto& line) { return interfaces.Take(line); });
-    TakeUntilRefused(lines.classes, [&](const auto& line) { return classes.Take(line); });
+    TakeUntilRefused(lines.interfaces, registered.ends,
+                     [&](const auto& line) { return interfaces.Take(line); });
+    TakeUntilRefused(lines.classes, registered.ends,
+                     [&](const auto& line) { return classes.Take(line); });
     return registered;
 }
 

@@ -37,7 +37,13 @@ void Survey::ReadFiles(const std::vector<std::string>& folders) {
             _findings.All().size() == before || _findings.All().back().kind != "unreadable";
         if (isRead) CheckDictionaryText(file, _findings);
     }
-    _lines = Register(all, _findings);
+    Registered registered = Register(all, _findings);
+    _lines = std::move(registered.lines);
+    // What stands below the end of the reading is not met.
+    std::erase_if(_findings.All(), [&](const Finding& finding) {
+        const auto end = registered.ends.find(finding.place.file);
+        return end != registered.ends.end() && finding.place.line > end->second;
+    });
     CheckInterfacesHaveIds(_lines, _findings);
 }
 

@@ -1,11 +1,13 @@
 #include "lyr/Selection.h"
 
+#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <fnmatch.h>
 #include <fstream>
 #include <map>
+#include <set>
 #include <stdexcept>
 
 namespace lyr::program {
@@ -53,7 +55,9 @@ bool IsIgnored(const Finding& finding, const std::string& rule) {
 
 std::multiset<std::string> ReadBaseline(const std::string& path) {
     std::ifstream file(path, std::ios::binary);
-    if (!file) throw std::runtime_error(path + ": cannot be read: " + std::strerror(errno));
+    if (!file) {
+        throw CLI::ValidationError("--baseline", path + " cannot be read: " + std::strerror(errno));
+    }
     std::multiset<std::string> keys;
     for (std::string line; std::getline(file, line);) keys.insert(line);
     return keys;

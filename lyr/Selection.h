@@ -2,7 +2,6 @@
 
 #include "inspection/Findings.h"
 
-#include <set>
 #include <string>
 #include <vector>
 
@@ -18,7 +17,7 @@ struct Selection {
     std::string baseline;
 
     /// Takes out what is ignored or known, and raises what counts as an error. Throws
-    /// std::runtime_error for a baseline that cannot be read.
+    /// CLI::ValidationError for a baseline that cannot be read.
     void Apply(inspection::Findings& findings) const;
 };
 

@@ -10,6 +10,7 @@
 #include <cstdio>
 #include <limits>
 #include <memory>
+#include <set>
 #include <string>
 
 namespace lyr::program {
