@@ -47,17 +47,18 @@ std::string TextOf(const std::vector<VersionedSymbol>& symbols) {
     return text;
 }
 
-std::string WhyLacking(const Closure::Lack& lack) {
+/// The library that is lacking, and what is the matter with it.
+std::string LackText(const Closure::Lack& lack) {
     if (lack.found.file != nullptr) {
-        return Shown(*lack.found.file) + " " +
-               (lack.found.file->object ? lack.found.file->object->whyNotLoaded
-                                        : lack.found.file->whyUnreadable);
+        const auto& object = lack.found.file->object;
+        return Shown(*lack.found.file) + ", which " +
+               (object ? object->whyNotLoaded : lack.found.file->whyUnreadable);
     }
     if (lack.found.foreign != nullptr) {
-        return lack.name + " is there for " + NameOf(lack.found.foreign->object->processor) +
+        return lack.name + ", which is there for " + NameOf(lack.found.foreign->object->processor) +
                " alone (" + lack.found.foreign->path + ")";
     }
-    return lack.name + " is not found";
+    return lack.name + ", which is not found";
 }
 
 }  // namespace
@@ -167,9 +168,8 @@ void LoadCheck::AddLacks(const LoaderFile& library, std::vector<LoadProblem>& pr
     for (const Closure::Lack& lack : ClosureOf(library).lacks) {
         const std::string by = lack.by == &library ? "it" : Shown(*lack.by);
         problems.push_back({Severity::Error, "missing-dependency", lack.name,
-                            Shown(library) + " does not load: " + WhyLacking(lack) + ", and " + by +
-                                " needs it; install it, or lead there by a run path or "
-                                "LD_LIBRARY_PATH"});
+                            Shown(library) + " does not load: " + by + " needs " + LackText(lack) +
+                                "; install it, or lead there by a run path or LD_LIBRARY_PATH"});
     }
 }
 
@@ -182,12 +182,12 @@ void LoadCheck::AddMissingVersions(const LoaderFile& library, std::vector<LoadPr
             if (found == closure.byName.end() || needed.isWeak) continue;
             const LoaderFile& of = *found->second;
             if (of.object->versions.empty() || of.object->DefinesVersion(needed.version)) continue;
-            problems.push_back({Severity::Error, "missing-version",
-                                std::string(needed.library) + " " + std::string(needed.version),
-                                Shown(library) + " does not load: " + Shown(of) +
-                                    " has no version " + std::string(needed.version) + ", and " +
-                                    (file == &library ? "it" : Shown(*file)) +
-                                    " needs it; perhaps it was built for a later one"});
+            problems.push_back(
+                {Severity::Error, "missing-version",
+                 std::string(needed.library) + " " + std::string(needed.version),
+                 Shown(library) + " does not load: " + (file == &library ? "it" : Shown(*file)) +
+                     " needs version " + std::string(needed.version) + " of " + Shown(of) +
+                     ", which has none of that name; perhaps it was built for a later one"});
         }
     }
 }
@@ -228,7 +228,7 @@ void LoadCheck::AddUndefined(const LoaderFile& library, std::vector<LoadProblem>
             {isKnown ? Severity::Error : Severity::Remark, "undefined-symbol", file->path,
              isKnown ? Shown(library) + " does not load: nothing that it can see defines " +
                            TextOf(missing) + ", and " + by +
-                           " needs it; link it with the library that does"
+                           " needs that; link it with the library that does"
                      : Shown(library) + " loads only in a program that defines " + TextOf(missing) +
                            ", which " + by + " needs; --program names the program"});
     }
