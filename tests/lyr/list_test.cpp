@@ -47,4 +47,52 @@ TEST(Show, FindsNamesAndIdsHoweverTheyAreWritten) {
     EXPECT_EQ(outcome.status, 1);
 }
 
+/// Lines name libA, which needs libD; libB has lines and no file.
+void BuildChain(const Workshop& shop) {
+    shop.Build("libD.so", {}, {}, "int d;", "-Wl,-soname,libD.so.1");
+    shop.Build("libA.so", {}, {}, "extern int d; int* a = &d;", "libD.so");
+    shop.Run("mv libD.so libD.so.1; mkdir d");
+    shop.Write("d/a.dicts",
+               "Circle IShape libA\nCircle ILayer A EXTENDED_BY Layer\nOval IShape libB\n");
+}
+
+TEST(Why, FollowsWhatLibrariesNeedBackToALine) {
+    const Workshop shop;
+    BuildChain(shop);
+    EXPECT_EQ(shop.Lyr("why -d d -l . libD.so.1").text,
+              "d/a.dicts:1: Circle IShape libA\n"
+              "  and 1 line more\n"
+              "  loads libA.so (./libA.so)\n"
+              "  which needs libD.so.1 (./libD.so.1)\n");
+    EXPECT_EQ(shop.Lyr("why -d d -l . A --all").text,
+              "d/a.dicts:1: Circle IShape libA\n"
+              "d/a.dicts:2: Circle ILayer A EXTENDED_BY Layer\n"
+              "  loads libA.so (./libA.so)\n");
+    const Outcome outcome = shop.Lyr("why -d d -l . libgone.so");
+    EXPECT_EQ(outcome.text, "lyr: no line and no library leads to libgone.so\n");
+    EXPECT_EQ(outcome.status, 1);
+}
+
+TEST(Graph, IsOfTheClassesOrOfTheLibraries) {
+    const Workshop shop;
+    BuildChain(shop);
+    EXPECT_EQ(shop.Lyr("graph -d d -l .").text,
+              "digraph classes {\n"
+              "    rankdir=LR;\n"
+              "    \"Circle\" -> \"Layer\" [label=\"ILayer\"];\n"
+              "    \"Circle\" -> \"libA\" [label=\"IShape\"];\n"
+              "    \"Layer\" -> \"libA\";\n"
+              "    \"Oval\" -> \"libB\" [label=\"IShape\"];\n"
+              "    \"libA\" [shape=box];\n"
+              "    \"libB\" [shape=box];\n"
+              "}\n");
+    EXPECT_EQ(shop.Lyr("graph libraries -d d -l .").text,
+              "digraph libraries {\n"
+              "    rankdir=LR;\n"
+              "    \"libA.so\" -> \"libD.so.1\";\n"
+              "    \"libA.so\" [shape=box];\n"
+              "    \"libB\" [shape=box];\n"
+              "}\n");
+}
+
 }  // namespace
