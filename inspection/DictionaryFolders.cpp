@@ -66,7 +66,8 @@ std::vector<std::string> DictionaryFilesOf(const std::vector<std::string>& folde
             continue;
         }
         for (const std::string& name : List(folder, findings)) {
-            const std::string path = folder + "/" + name;
+            std::string path = folder;
+            path.append("/").append(name);
             const auto [first, isFirst] = firstOfName.try_emplace(name, path);
             if (isFirst) {
                 files.push_back(path);

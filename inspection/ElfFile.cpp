@@ -121,7 +121,7 @@ std::string_view ElfFile::NameOfSection(Elf_Scn* section) const {
     return TextAt(_sectionNames, HeaderOf(section).sh_name);
 }
 
-Elf_Data* ElfFile::ContentOf(Elf_Scn* section) const {
+Elf_Data* ElfFile::ContentOf(Elf_Scn* section) {
     const GElf_Shdr header = HeaderOf(section);
     if (header.sh_type != SHT_NOBITS) RequireSize(header.sh_size);
     Elf_Data* const data = ::elf_getdata(section, nullptr);

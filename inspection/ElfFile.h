@@ -52,7 +52,7 @@ public:
     static GElf_Shdr HeaderOf(Elf_Scn* section);
     std::string_view NameOfSection(Elf_Scn* section) const;
     /// A section's content; without bytes for one that has none in the file.
-    Elf_Data* ContentOf(Elf_Scn* section) const;
+    static Elf_Data* ContentOf(Elf_Scn* section);
     /// A text of the section of that number.
     std::string_view TextAt(std::size_t section, std::size_t offset) const;
 

@@ -28,7 +28,7 @@ bool IsExported(const GElf_Sym& symbol) {
 template <typename Take>
 void ForEachDefinedSymbol(const ElfFile& file, Elf_Scn* section, Take take) {
     const GElf_Shdr header = ElfFile::HeaderOf(section);
-    Elf_Data* const data = file.ContentOf(section);
+    Elf_Data* const data = ElfFile::ContentOf(section);
     std::uint64_t left = (64U << 20U) + 8 * file.Size();
     GElf_Sym symbol;
     for (int i = 0; ::gelf_getsym(data, i, &symbol) != nullptr; ++i) {
@@ -52,7 +52,7 @@ void ReadSection(const ElfFile& file, Elf_Scn* section, LibraryFile& library) {
             if (text.find("LYRSysTS") != std::string_view::npos) library.inside.emplace(text);
         });
     } else if (type != SHT_NOBITS && file.NameOfSection(section) == "lyr_manifest") {
-        const Elf_Data* const data = file.ContentOf(section);
+        const Elf_Data* const data = ElfFile::ContentOf(section);
         if (data->d_buf == nullptr) return;
         AddRecords({static_cast<const char*>(data->d_buf), data->d_size}, library.records);
     }

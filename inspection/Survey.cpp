@@ -25,6 +25,7 @@ Survey::Survey(const std::vector<std::string>& folders, SearchPlaces places)
 
 void Survey::ReadFiles(const std::vector<std::string>& folders) {
     std::vector<std::string> foldersHere;
+    foldersHere.reserve(folders.size());
     for (const std::string& folder : folders) {
         foldersHere.push_back(_places.image.PathHere(folder));
     }

@@ -99,7 +99,7 @@ void AddGraph(CLI::App& program, Status& status) {
         "libraries with what they need.");
     const auto arguments = std::make_shared<Arguments>();
     arguments->places.AddTo(*command);
-    command->add_option("GRAPH", arguments->wanted, "\"classes\" or \"libraries\"")
+    command->add_option("GRAPH", arguments->wanted, "classes or libraries")
         ->check(CLI::IsMember({"classes", "libraries"}))
         ->capture_default_str();
     command->footer("Examples:\n  lyr graph libraries -d app/dictionary -l build/lib | dot -Tsvg");

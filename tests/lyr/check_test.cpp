@@ -1,7 +1,7 @@
 #include "Workshop.h"
 
 #include <nlohmann/json.hpp>
-#include <regex>
+#include <sstream>
 
 namespace {
 
@@ -163,7 +163,7 @@ const Case kCases[] = {
      "libA\" >d/c.clsidts",
      "d/c.clsidts:1 warning late-library", false, "{22222222-0000-0000-0000-00000000000B}"},
     {"a refused line ends its file",
-     "lib libs/libA.so \"$shape\"; printf 'Circle\\nCircle IShape libA\\n' >d/p.dicts",
+     R"(lib libs/libA.so "$shape"; printf 'Circle\nCircle IShape libA\n' >d/p.dicts)",
      "d/p.dicts:1 error bad-line", false},
     {"a refused id ends its file",
      "lib libs/libA.so \"$shape\"; echo '{11111111-0000-0000-0000-00000000000B} IOther' "
@@ -191,41 +191,26 @@ const Case kCases[] = {
     {"a file that is a folder", "lib libs/libA.so \"$shape\"; mkdir d/q.dicts",
      "d/q.dicts error unreadable", true},
     {"a carriage return",
-     "lib libs/libA.so \"$shape\"; printf 'Circle IShape libA\\r\\n' >d/p.dicts",
+     R"(lib libs/libA.so "$shape"; printf 'Circle IShape libA\r\n' >d/p.dicts)",
      "d/p.dicts:1 warning carriage-return\nd/p.dicts:1 error library-not-found", false},
     {"a byte-order mark",
-     "lib libs/libA.so \"$shape\"; printf '\\357\\273\\277Circle IShape libA\\n' >d/p.dicts",
+     R"(lib libs/libA.so "$shape"; printf '\357\273\277Circle IShape libA\n' >d/p.dicts)",
      "d/p.dicts:1 warning byte-order-mark\nd/p.dicts:1 error no-entry-point", false},
     {"Latin letters",
-     "lib libs/libA.so \"$shape\"; printf '# \\344 is none\\nCircl\\351 IShape libA\\n' >d/p.dicts",
+     R"(lib libs/libA.so "$shape"; printf '# \344 is none\nCircl\351 IShape libA\n' >d/p.dicts)",
      "d/p.dicts:2 warning encoding\nd/p.dicts:2 error no-entry-point", false},
-    {"a zero byte", "lib libs/libA.so \"$shape\"; printf 'Circle IShape libA\\0 X\\n' >d/p.dicts",
+    {"a zero byte", R"(lib libs/libA.so "$shape"; printf 'Circle IShape libA\0 X\n' >d/p.dicts)",
      "d/p.dicts:1 warning zero-byte", true},
     {"dropped words",
      "lib libs/libA.so \"$shape\"; echo Circle IShape libA EXTENDED_BY X '# ours' >d/p.dicts",
      "d/p.dicts:1 error no-entry-point\nd/p.dicts:1 warning dropped-words", false},
     {"a long line, and the number of the next",
-     "lib libs/libA.so \"$shape\"; { printf '#%2100s\\n' x; echo Circle; } >d/p.dicts",
+     R"(lib libs/libA.so "$shape"; { printf '#%2100s\n' x; echo Circle; } >d/p.dicts)",
      "d/p.dicts:1 warning long-line\nd/p.dicts:2 error bad-line", false},
 };
 
 void PrintTo(const Case& one, std::ostream* stream) {
     *stream << one.name;
-}
-
-/// The findings of a check, without their words.
-std::string FoundIn(const std::string& text) {
-    static const std::regex kFinding("^([^\n]*?): (error|warning|note): [^\n]* \\[([-a-z]+)\\]$",
-                                     std::regex::ECMAScript | std::regex::multiline);
-    std::vector<std::string> found;
-    for (std::sregex_iterator match(text.begin(), text.end(), kFinding), end; match != end;
-         ++match) {
-        found.push_back((*match)[1].str() + " " + (*match)[2].str() + " " + (*match)[3].str());
-    }
-    std::sort(found.begin(), found.end());
-    std::string all;
-    for (const std::string& line : found) all += (all.empty() ? "" : "\n") + line;
-    return all;
 }
 
 std::string Sorted(const std::string& lines) {
@@ -236,6 +221,22 @@ std::string Sorted(const std::string& lines) {
     std::string text;
     for (const std::string& line : all) text += (text.empty() ? "" : "\n") + line;
     return text;
+}
+
+/// The findings of a check, without their words: "FILE:LINE severity kind".
+std::string FoundIn(const std::string& text) {
+    std::istringstream stream(text);
+    std::string found;
+    for (std::string line; std::getline(stream, line);) {
+        const std::size_t kind = line.rfind(" [");
+        if (!line.ends_with("]") || kind == std::string::npos) continue;
+        const std::size_t place = line.find(": ");
+        const std::size_t severity = place + 2;
+        found += line.substr(0, place) + " " +
+                 line.substr(severity, line.find(':', severity) - severity) + " " +
+                 line.substr(kind + 2, line.size() - kind - 3) + "\n";
+    }
+    return Sorted(found);
 }
 
 class CheckOfCase : public testing::TestWithParam<Case> {};
