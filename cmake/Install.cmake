@@ -13,6 +13,7 @@ install(TARGETS LYRComponentModel LYRSysTS EXPORT LYRComponentModelTargets
     LIBRARY ${runtime} NAMELINK_${development})
 if(TARGET lyr)
     install(TARGETS lyr EXPORT LYRComponentModelTargets RUNTIME ${development})
+    install(FILES docs/lyr.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 ${development})
 endif()
 install(DIRECTORY include/ platform/include/ kit/
     DESTINATION ${LYR_INSTALL_INCLUDEDIR} ${development}

@@ -5,12 +5,13 @@ if(NOT LYR_BUILD_PROGRAM)
 endif()
 
 find_package(CLI11 CONFIG QUIET)
+find_package(nlohmann_json CONFIG QUIET)
 find_path(LYR_LIBELF_INCLUDE_DIR gelf.h)
 find_library(LYR_LIBELF_LIBRARY elf)
 mark_as_advanced(LYR_LIBELF_INCLUDE_DIR LYR_LIBELF_LIBRARY)
-if(NOT CLI11_FOUND OR NOT LYR_LIBELF_INCLUDE_DIR OR NOT LYR_LIBELF_LIBRARY)
-    message(STATUS "The program lyr is not built: it needs libelf and CLI11, "
-        "on Debian the packages libelf-dev and libcli11-dev")
+if(NOT CLI11_FOUND OR NOT nlohmann_json_FOUND OR NOT LYR_LIBELF_INCLUDE_DIR OR NOT LYR_LIBELF_LIBRARY)
+    message(STATUS "The program lyr is not built: it needs libelf, CLI11 and nlohmann-json, "
+        "on Debian the packages libelf-dev, libcli11-dev and nlohmann-json3-dev")
     return()
 endif()
 

@@ -10,8 +10,8 @@ namespace lyr::internal {
 /// and {result} stand for what the step says.
 struct CauseRow {
     Cause cause;
+    int weight;  ///< of the steps on one road the heaviest is the root; 0 for none
     const char* name;
-    int weight;          ///< of the steps on one road the heaviest is the root; 0 for none
     const char* text;    ///< what is so
     const char* remedy;  ///< what to do about it; null where nothing can be told
 };

@@ -104,7 +104,7 @@ using Words = std::vector<std::string>;
 
 std::string FileLine::Text() const {
     std::string text;
-    for (const std::string& word : words) text += (text.empty() ? "" : " ") + word;
+    for (const std::string& word : words) text.append(text.empty() ? "" : " ").append(word);
     return text;
 }
 
@@ -120,7 +120,8 @@ FilesNow FilesNow::Read() {
             const std::string path = folder + "/" + name;
             const auto [first, isFirst] = met.emplace(name, path);
             if (const char* const why = WhyUnreadable(path)) {
-                now.problems.push_back(path + "  " + why);
+                now.problems.push_back(path + "  ");
+                now.problems.back() += why;
                 continue;
             }
             ++now.files;

@@ -46,7 +46,7 @@ std::string InMicroseconds(std::chrono::nanoseconds time) {
 }  // namespace
 
 Reporter* Reporter::Instance() noexcept {
-    static Reporter* const instance = new (std::nothrow) Reporter;
+    static auto* const instance = new (std::nothrow) Reporter;
     return instance;
 }
 

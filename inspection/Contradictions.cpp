@@ -22,23 +22,6 @@ Note FirstSaid(const Place& place) {
     return {place, "first said here"};
 }
 
-/// Returns the classes that are declared twice: what else is said of them twice follows from that.
-Names CheckClasses(const std::vector<Manifest>& manifests, Findings& findings) {
-    Places firstOf;
-    Names twice;
-    for (const Manifest& manifest : manifests) {
-        for (const DeclaredClass& declared : manifest.classes) {
-            const auto [first, isFirst] = firstOf.try_emplace(declared.name, declared.place);
-            if (isFirst || !twice.insert(declared.name).second) continue;
-            findings.AddError(declared.place,
-                              "two classes are named " + declared.name +
-                                  "; give one of them another name, which is unique in a program",
-                              "two-classes", {{first->second, "the other is declared here"}});
-        }
-    }
-    return twice;
-}
-
 Places ClassesOf(const std::vector<Manifest>& manifests, const DictionaryLines& lines) {
     Places classes;
     for (const Manifest& manifest : manifests) {
@@ -159,9 +142,26 @@ void CheckClassIds(const DictionaryLines& lines, const Names& told, Findings& fi
 
 }  // namespace
 
+std::unordered_set<std::string> CheckDeclaredClasses(const std::vector<Manifest>& manifests,
+                                                     Findings& findings) {
+    Places firstOf;
+    Names twice;
+    for (const Manifest& manifest : manifests) {
+        for (const DeclaredClass& declared : manifest.classes) {
+            const auto [first, isFirst] = firstOf.try_emplace(declared.name, declared.place);
+            if (isFirst || !twice.insert(declared.name).second) continue;
+            findings.AddError(declared.place,
+                              "two classes are named " + declared.name +
+                                  "; give one of them another name, which is unique in a program",
+                              "two-classes", {{first->second, "the other is declared here"}});
+        }
+    }
+    return twice;
+}
+
 void CheckContradictions(const std::vector<Manifest>& manifests, const DictionaryLines& lines,
                          Findings& findings) {
-    const Names told = CheckClasses(manifests, findings);
+    const Names told = CheckDeclaredClasses(manifests, findings);
     CheckKinds(ClassesOf(manifests, lines), InterfacesOf(lines), findings);
     CheckPairs(lines, told, findings);
     CheckInterfaceIds(lines, findings);

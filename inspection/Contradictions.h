@@ -2,6 +2,8 @@
 
 #include "inspection/Manifest.h"
 
+#include <string>
+#include <unordered_set>
 #include <vector>
 
 namespace lyr::inspection {
@@ -11,5 +13,10 @@ namespace lyr::inspection {
 /// a pair in two libraries, a name with two ids, an id with two names.
 void CheckContradictions(const std::vector<Manifest>& manifests, const DictionaryLines& lines,
                          Findings& findings);
+
+/// Adds an error for each class that records declare twice. Returns these classes: what else is
+/// said of them twice follows from that.
+std::unordered_set<std::string> CheckDeclaredClasses(const std::vector<Manifest>& manifests,
+                                                     Findings& findings);
 
 }  // namespace lyr::inspection

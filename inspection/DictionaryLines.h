@@ -1,5 +1,6 @@
 #pragma once
 
+#include "GUID.h"
 #include "inspection/Findings.h"
 
 #include <string>
@@ -52,9 +53,21 @@ struct DictionaryLines {
     void Append(const DictionaryLines& others);
 };
 
+/// What a line that the library's reader refuses does to those below: a process reads none of them,
+/// whoever wants to know all that is wrong goes on.
+enum class BadLine { EndsTheFile, IsLeftOut };
+
+/// What is added to the text of a finding that ends the reading of its file.
+inline constexpr const char* kReadingEnds = "; nothing below this line is read";
+
 /// Adds the lines of the file, cut as the library cuts them. A file that cannot be read, one of no
-/// kind that is known, and each line that its reader would refuse adds an error.
-void ReadDictionaryFile(const std::string& path, DictionaryLines& lines, Findings& findings);
+/// kind that is known, and each line that its reader would refuse adds an error; so does an id that
+/// the library takes for another.
+void ReadDictionaryFile(const std::string& path, BadLine badLine, DictionaryLines& lines,
+                        Findings& findings);
+
+/// The id as dictionary files have it, in capitals and braces.
+std::string TextOf(const GUID& id);
 
 /// The id in capitals; empty unless it is written {8-4-4-4-12}, in hexadecimal digits.
 std::string CanonicalId(std::string_view text);

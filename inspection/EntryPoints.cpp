@@ -1,7 +1,6 @@
 #include "inspection/EntryPoints.h"
 
 #include "inspection/LibraryNames.h"
-#include "inspection/MissingFunctions.h"
 
 #include <deque>
 #include <map>
@@ -54,25 +53,31 @@ EntryPoint EntryPointOf(const PairLine& line) {
             line.extension.empty() ? line.className : line.extension};
 }
 
-void CheckEntryPoints(const std::vector<Manifest>& manifests, const DictionaryLines& lines,
-                      Findings& findings) {
-    Libraries libraries(manifests);
+void RequireEntryPoints(const DictionaryLines& lines,
+                        const std::function<MissingFunctions*(const std::string&)>& find) {
     std::unordered_set<std::string> interfaces;
     for (const PairLine& line : lines.pairs) interfaces.insert(line.interfaceName);
     for (const PairLine& line : lines.pairs) {
-        MissingFunctions* const missing = libraries.Find(line.library);
-        if (missing == nullptr || line.interfaceName == "MetaObject") continue;
+        if (line.interfaceName == "MetaObject") continue;
+        MissingFunctions* const missing = find(line.library);
+        if (missing == nullptr) continue;
         const EntryPoint entry = EntryPointOf(line);
         const auto namesake = interfaces.find(entry.interfaceName + entry.className);
         missing->Require(entry.Symbol(), WhatFor(line), line.place,
                          namesake != interfaces.end() ? *namesake : std::string());
     }
     for (const ClassLine& line : lines.classes) {
-        MissingFunctions* const missing = libraries.Find(line.library);
+        MissingFunctions* const missing = find(line.library);
         if (missing == nullptr) continue;
         missing->Require(kClassObjectFunction, "making a " + line.className + " by its id",
                          line.place);
     }
+}
+
+void CheckEntryPoints(const std::vector<Manifest>& manifests, const DictionaryLines& lines,
+                      Findings& findings) {
+    Libraries libraries(manifests);
+    RequireEntryPoints(lines, [&](const std::string& name) { return libraries.Find(name); });
     libraries.Tell(findings);
 }
 

@@ -1,7 +1,9 @@
 #pragma once
 
 #include "inspection/Manifest.h"
+#include "inspection/MissingFunctions.h"
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -18,6 +20,11 @@ struct EntryPoint {
 
 /// The function that is called for the line.
 EntryPoint EntryPointOf(const PairLine& line);
+
+/// Notes which functions the lines lead to and their libraries do not export. `find` gives what is
+/// missing of the library that lines name so; null for one that is not looked at.
+void RequireEntryPoints(const DictionaryLines& lines,
+                        const std::function<MissingFunctions*(const std::string&)>& find);
 
 /// Adds an error for each way in which entry points are not exported by the libraries that `lines`
 /// name, as far as these are among `manifests`: hidden, C++ names, not there at all.

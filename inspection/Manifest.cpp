@@ -35,10 +35,10 @@ public:
             return false;
         }
         const std::string& kind = fields[1];
-        if (kind == "class") return fields.size() == 5 && TakeClass(fields[2], fields[3]);
+        if (kind == "class") return fields.size() == 5 && TakeClass(fields[2], fields[3], false);
         if (kind == "creatable") return fields.size() == 3 && TakeCreatable(fields[2]);
         if (kind == "interface") return fields.size() == 5 && TakeInterface(fields, fields[2], {});
-        if (kind == "extension") return fields.size() == 4 && TakeClass(fields[2], "-");
+        if (kind == "extension") return fields.size() == 4 && TakeClass(fields[2], "-", true);
         return kind == "extends" && fields.size() == 6 &&
                TakeInterface({fields.begin() + 1, fields.end()}, fields[3], fields[2]);
     }
@@ -55,10 +55,10 @@ public:
     }
 
 private:
-    bool TakeClass(const std::string& name, const std::string& clsid) {
+    bool TakeClass(const std::string& name, const std::string& clsid, bool isExtension) {
         const std::string id = CanonicalId(clsid);
         if (id.empty() && clsid != "-") return false;
-        _manifest.classes.push_back({name, id, _place});
+        _manifest.classes.push_back({name, id, isExtension, _place});
         return true;
     }
 
@@ -101,22 +101,27 @@ void AddRecordError(const std::string& record, const std::string& path, Findings
 std::optional<Manifest> ReadManifest(const std::string& path, Findings& findings) {
     std::optional<LibraryFile> library = ReadLibraryFile(path, findings);
     if (!library) return std::nullopt;
-    Manifest manifest{*std::move(library), NameOfLibraryFile(path), {}, {}};
-    if (manifest.libraryName.empty()) {
+    if (NameOfLibraryFile(path).empty()) {
         findings.AddError({path},
                           "no dictionary can name this file; a library's name has \".so\" and no "
                           "blank in it",
                           "library-name");
         return std::nullopt;
     }
+    Findings ofRecords;
+    Manifest manifest = ManifestOf(*std::move(library), ofRecords);
+    for (const Finding& finding : ofRecords.All()) findings.All().push_back(finding);
+    if (ofRecords.HasErrors()) return std::nullopt;
+    return manifest;
+}
+
+Manifest ManifestOf(LibraryFile library, Findings& findings) {
+    const std::string path = library.path;
+    Manifest manifest{std::move(library), NameOfLibraryFile(path), {}, {}};
     Reader reader(manifest);
-    bool good = true;
     for (const std::string& record : manifest.library.records) {
-        if (reader.Take(Split(record))) continue;
-        AddRecordError(record, path, findings);
-        good = false;
+        if (!reader.Take(Split(record))) AddRecordError(record, path, findings);
     }
-    if (!good) return std::nullopt;
     reader.Finish();
     return manifest;
 }

@@ -14,6 +14,7 @@ struct DeclaredClass {
     std::string name;
     /// In capitals and braces; empty for a class without one.
     std::string clsid;
+    bool isExtension = false;
     Place place;
 };
 
@@ -33,5 +34,8 @@ inline constexpr const char* kClassObjectFunction = "LYRSysTSDllGetClassObject";
 /// Reads the records of the library of that file; there may be none. Nothing, with errors added,
 /// when it can't be read, no dictionary could name it, or a record is not understood.
 std::optional<Manifest> ReadManifest(const std::string& path, Findings& findings);
+
+/// What the library's records say; for a record that is not understood, an error is added.
+Manifest ManifestOf(LibraryFile library, Findings& findings);
 
 }  // namespace lyr::inspection

@@ -1,7 +1,7 @@
 #include "inspection/MissingFunctions.h"
 
 #include "inspection/LibraryNames.h"
-#include "inspection/NearNames.h"
+#include "lyr/explain.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -59,17 +59,11 @@ void MissingFunctions::Require(const std::string& symbol, const std::string& wha
 }
 
 void MissingFunctions::Tell(Findings& findings) const {
-    constexpr std::size_t kShown = 3;
     for (const auto& [way, lacks] : _lacks) {
         std::vector<Note> notes;
-        for (std::size_t i = 1; i < std::min(kShown, lacks.size()); ++i) {
+        for (std::size_t i = 1; i < lacks.size(); ++i) {
             notes.push_back(
                 {lacks[i].place, "so is " + lacks[i].symbol + ", for " + lacks[i].what});
-        }
-        if (lacks.size() > kShown) {
-            Note& rest = notes.emplace_back();
-            rest.place.file = _library.path;
-            rest.text = "and " + std::to_string(lacks.size() - kShown) + " more";
         }
         findings.AddError(lacks[0].place, TextOf(way, lacks[0]), "no-entry-point", notes);
     }
@@ -79,12 +73,19 @@ MissingFunctions::Way MissingFunctions::WayOf(const Lack& lack) const {
     if (_library.inside.contains(lack.symbol)) {
         return lack.namesake.empty() ? Way::Hidden : Way::HiddenByNamesake;
     }
-    return MangledIn(_library, lack.symbol).empty() ? Way::Missing : Way::Mangled;
+    if (!MangledIn(_library, lack.symbol).empty()) return Way::Mangled;
+    return DependencyWith(lack.symbol) != nullptr ? Way::Elsewhere : Way::Missing;
+}
+
+const LoaderFile* MissingFunctions::DependencyWith(const std::string& symbol) const {
+    return _inDependency != nullptr ? _inDependency(symbol) : nullptr;
 }
 
 std::string MissingFunctions::TextOf(Way way, const Lack& lack) const {
     const std::string start = lack.symbol + ", for " + lack.what + ", is ";
-    const std::string file = _library.path.substr(_library.path.rfind('/') + 1);
+    const std::string base = _library.path.substr(_library.path.rfind('/') + 1);
+    const bool isTold = base == _library.path || lack.place.file == _library.path;
+    const std::string file = isTold ? base : base + " (" + _library.path + ")";
     switch (way) {
         case Way::HiddenByNamesake:
             return start + "hidden in " + file + ", perhaps because the interface " +
@@ -97,6 +98,11 @@ std::string MissingFunctions::TextOf(Way way, const Lack& lack) const {
         case Way::Mangled:
             return start + "not exported by " + file + ", which has " +
                    MangledIn(_library, lack.symbol) + "; declare it extern \"C\"";
+        case Way::Elsewhere:
+            return start + "missing in " + file + "; " + DependencyWith(lack.symbol)->path +
+                   " has it, which " + file +
+                   " needs, but only a library's own functions count: "
+                   "name that one in the line";
         case Way::Missing:
             break;
     }

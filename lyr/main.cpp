@@ -18,6 +18,11 @@ int Run(int count, char** words) {
                      "lyr");
     program.set_version_flag("--version", Version());
     program.require_subcommand(1);
+    lyr::program::AddCheck(program, status);
+    lyr::program::AddList(program, status);
+    lyr::program::AddShow(program, status);
+    lyr::program::AddWhy(program, status);
+    lyr::program::AddGraph(program, status);
     lyr::program::AddManifest(program, status);
     try {
         program.parse(count, words);

@@ -76,7 +76,7 @@ DictionaryLines CheckedLines(const Arguments& arguments, std::vector<Manifest>& 
                              Findings& findings) {
     DictionaryLines handWritten;
     for (const std::string& path : arguments.handWritten) {
-        inspection::ReadDictionaryFile(path, handWritten, findings);
+        inspection::ReadDictionaryFile(path, inspection::BadLine::IsLeftOut, handWritten, findings);
     }
     for (const std::string& path :
          std::set(arguments.libraries.begin(), arguments.libraries.end())) {

@@ -81,7 +81,8 @@ install_packages() {
 # shellcheck disable=SC2034 # used by those that source this file
 build_tools=("cmake=cmake" "ninja=ninja-build" "g++=g++")
 # shellcheck disable=SC2034 # what the program lyr is built with
-program_needs=("/usr/include/gelf.h=libelf-dev" "/usr/include/CLI/CLI.hpp=libcli11-dev")
+program_needs=("/usr/include/gelf.h=libelf-dev" "/usr/include/CLI/CLI.hpp=libcli11-dev"
+    "/usr/include/nlohmann/json.hpp=nlohmann-json3-dev")
 
 # memcheck <preset>: valgrind over the example of a preset that is built.
 memcheck() {

@@ -1,0 +1,18 @@
+#pragma once
+
+#include "inspection/Findings.h"
+#include "lyr/Catalog.h"
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+namespace lyr::program {
+
+/// The findings and what they are about, as JSON of format version 1.
+std::string JsonOf(const inspection::Findings& findings, std::size_t files, std::size_t libraries);
+
+/// What a catalog has found, in the same format.
+std::string JsonOf(const std::vector<const Entry*>& entries);
+
+}  // namespace lyr::program
