@@ -33,7 +33,7 @@ template <class Base>
 struct From : detail::ClassOption {};
 /// Its objects have no lock: one thread at a time uses each of them.
 struct OneThread : detail::ClassOption {};
-/// Its objects are made by lyr::Make alone, in their own library, and not by name.
+/// Its objects are made by lyr::Make alone, in their own library, and not by name or class id.
 struct Inner : detail::ClassOption {};
 /// It inherits no interface: TIEs give them all.
 struct TiesOnly : detail::ClassOption {};
@@ -142,6 +142,15 @@ template <class Arguments>
 constexpr int kClassIds = 0;
 template <class... T>
 constexpr int kClassIds<List<T...>> = (0 + ... + (kIsClassId<T> ? 1 : 0));
+
+/// Whether an option without a value of its own is there twice; of the others that is said in words
+/// of their own.
+template <class Arguments>
+constexpr bool kRepeatsOption = false;
+template <class... T>
+constexpr bool kRepeatsOption<List<T...>> = (false || ... ||
+                                             (kIsOption<T> && !kIsFrom<T> && !kIsClassId<T> &&
+                                              Count<T, List<T...>>::value > 1));
 
 template <class I>
 constexpr bool kIsInterface = std::is_base_of_v<IUnknown, I>&& std::is_abstract_v<I> &&

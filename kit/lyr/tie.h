@@ -100,6 +100,8 @@ struct CheckedTie : CheckedInterfaces<TieInterfaces<Traits>> {
                   "LYR_NAMED_TIE(Tie, Class, Name, Interface)");
     static_assert(kHasOptionsOf<TieOption, typename Traits::Arguments>,
                   "lyr: this option is for the class behind the TIE; a TIE has lyr::Without alone");
+    static_assert(!kRepeatsOption<typename Traits::Arguments>,
+                  "lyr: lyr::Without names an interface twice; name it once");
     static_assert(kFit<typename Only<TieInterfaces<Traits>>::Type, typename Traits::Arguments>,
                   "lyr: lyr::Without names an interface that the TIE's interface derives from");
     static constexpr bool value = true;
