@@ -57,7 +57,7 @@
         using Arguments = ::lyr::detail::List<__VA_ARGS__>;                                    \
         using Facts = ::lyr::detail::Facts<LyrTraitsOf##Class>;                                \
         using Described = Class;                                                               \
-        static constexpr bool isInTwoParts = isInTwoParts_;                                    \
+        using IsInTwoParts = std::bool_constant<isInTwoParts_>;                                \
         static constexpr char name[] = #Name;                                                  \
         static constexpr char extended[] = extended_;                                          \
         static constexpr ::lyr::detail::Kind kind = kind_;                                     \
@@ -142,7 +142,7 @@ struct DeclaredTraits {
     using Type = NoTraits;
 };
 template <class C>
-struct DeclaredTraits<C, std::enable_if_t<C::LyrTraits::isInTwoParts &&
+struct DeclaredTraits<C, std::enable_if_t<C::LyrTraits::IsInTwoParts::value &&
                                           std::is_same_v<typename C::LyrTraits::Described, C>>> {
     static constexpr bool value = true;
     using Type = typename C::LyrTraits;
