@@ -24,25 +24,29 @@
 /// The same under another name than that of the C++ class: LYR_NAMED_COMPONENT(Part, MotorPart,
 /// ...).
 #define LYR_NAMED_COMPONENT(...) LYR_KIT_NAMED_COMPONENT(__VA_ARGS__, ::lyr::detail::End)
-#define LYR_KIT_NAMED_COMPONENT(Class, Name, ...)                                 \
-    LYR_KIT_TRAITS(Class, Name, ::lyr::detail::Kind::kComponent, "", __VA_ARGS__) \
-    LYR_KIT_OFFER(Class, Name)                                                    \
+#define LYR_KIT_NAMED_COMPONENT(Class, Name, ...)                                        \
+    LYR_KIT_TRAITS(Class, Name, false, ::lyr::detail::Kind::kComponent, "", __VA_ARGS__) \
+    LYR_KIT_OFFER(Class, Name, LyrTraitsOf##Class)                                       \
     struct Class : ::lyr::detail::ComponentFor<LyrTraitsOf##Class>
 
 /// In two parts, for a base component: LYR_DECLARE_COMPONENT begins the class in a header, and
 /// LYR_DEFINE_COMPONENT(Name); in one source of its library offers it. A class of the second kind,
 /// also in another library, says lyr::From<Base> and lists what it adds.
 #define LYR_DECLARE_COMPONENT(...) LYR_KIT_DECLARE_COMPONENT(__VA_ARGS__, ::lyr::detail::End)
-#define LYR_KIT_DECLARE_COMPONENT(Class, ...)                                      \
-    LYR_KIT_TRAITS(Class, Class, ::lyr::detail::Kind::kComponent, "", __VA_ARGS__) \
+#define LYR_KIT_DECLARE_COMPONENT(Class, ...)                                            \
+    LYR_KIT_TRAITS(Class, Class, true, ::lyr::detail::Kind::kComponent, "", __VA_ARGS__) \
     struct LYR_EXPORT Class : ::lyr::detail::ComponentFor<LyrTraitsOf##Class>
-#define LYR_DEFINE_COMPONENT(Class) \
-    LYR_KIT_OFFER(Class, Class)     \
+#define LYR_DEFINE_COMPONENT(Class)                                                          \
+    static_assert(                                                                           \
+        ::lyr::detail::DeclaredTraits<Class>::value,                                         \
+        "lyr: LYR_DEFINE_COMPONENT is for a class that LYR_DECLARE_COMPONENT begins; begin " \
+        "the class with that, or take LYR_DEFINE_COMPONENT out");                            \
+    LYR_KIT_OFFER(Class, Class, ::lyr::detail::DeclaredTraits<Class>::Type)                  \
     static_assert(true)
 
 // The class is still incomplete where these stand. What needs all of it is in templates, which
 // compilers instantiate at the end of the source.
-#define LYR_KIT_TRAITS(Class, Name, kind_, extended_, ...)                                     \
+#define LYR_KIT_TRAITS(Class, Name, isInTwoParts_, kind_, extended_, ...)                      \
     struct Class;                                                                              \
     static_assert(::lyr::detail::IsClass<Class>(),                                             \
                   "lyr: a component is no class template; write one for each of its types");   \
@@ -52,16 +56,18 @@
     struct LyrTraitsOf##Class {                                                                \
         using Arguments = ::lyr::detail::List<__VA_ARGS__>;                                    \
         using Facts = ::lyr::detail::Facts<LyrTraitsOf##Class>;                                \
+        using Described = Class;                                                               \
+        using IsInTwoParts = std::bool_constant<isInTwoParts_>;                                \
         static constexpr char name[] = #Name;                                                  \
         static constexpr char extended[] = extended_;                                          \
         static constexpr ::lyr::detail::Kind kind = kind_;                                     \
     };                                                                                         \
     static_assert(::lyr::detail::CheckedClass<LyrTraitsOf##Class>::value);
 
-#define LYR_KIT_OFFER(Class, Name)                                                                \
-    LYR_KIT_RECORDS(Class, LyrTraitsOf##Class, LyrTraitsOf##Class::Facts::Answers, true)          \
-    LYR_KIT_ENTRIES(Class, Name, LyrTraitsOf##Class::Facts::Answers, ::lyr::detail::AnswerItself) \
-    LYR_KIT_CREATION(Class, Name, LyrTraitsOf##Class)
+#define LYR_KIT_OFFER(Class, Name, Traits)                                            \
+    LYR_KIT_RECORDS(Class, Traits, Traits::Facts::Answers, true)                      \
+    LYR_KIT_ENTRIES(Class, Name, Traits::Facts::Answers, ::lyr::detail::AnswerItself) \
+    LYR_KIT_CREATION(Class, Name, Traits)
 
 // NOLINTBEGIN(bugprone-macro-parentheses): what is given are names
 // Each entry point is another name, made by the assembler, of a function that the compiler names.
@@ -119,6 +125,29 @@ constexpr bool IsClass() {
     return false;
 }
 
+/// In the place of what is not known of a class: one that answers nothing and is not made.
+struct NoTraits {
+    using Arguments = List<Inner>;
+    using Facts = detail::Facts<NoTraits>;
+    static constexpr char name[] = "";
+    static constexpr char extended[] = "";
+    static constexpr Kind kind = Kind::kComponent;
+};
+
+/// What is known of a class that LYR_DECLARE_COMPONENT begins. Of any other that is said, and
+/// nothing that would follow from it.
+template <class C, class = void>
+struct DeclaredTraits {
+    static constexpr bool value = false;
+    using Type = NoTraits;
+};
+template <class C>
+struct DeclaredTraits<C, std::enable_if_t<C::LyrTraits::IsInTwoParts::value &&
+                                          std::is_same_v<typename C::LyrTraits::Described, C>>> {
+    static constexpr bool value = true;
+    using Type = typename C::LyrTraits;
+};
+
 /// What the base components of a class inherit, and what that derives from.
 template <class Base, bool = kIsComponent<Base>>
 struct AnsweredByBases {
@@ -152,6 +181,11 @@ struct CheckedClass : CheckedLength<typename Traits::Arguments>,
                   "the listed ones by TIEs (LYR_TIE)");
     static_assert(!IsExtension(Traits::kind) || !kContains<Inner, Arguments>,
                   "lyr: an extension is made by requests alone; take lyr::Inner out");
+    static_assert(!kRepeatsOption<Arguments>, "lyr: an option is listed twice; list it once");
+    static_assert(
+        IsExtension(Traits::kind) || !Facts<Traits>::kHasClassId || !kContains<Inner, Arguments>,
+        "lyr: a class id is for objects that others make, and lyr::Inner has them made in "
+        "their own library alone; take one of the two out");
     static_assert(kBases<Arguments> <= 1,
                   "lyr: a class has one base component; take the other lyr::From out, and give its "
                   "interfaces by TIEs or list them");
@@ -164,6 +198,11 @@ struct CheckedClass : CheckedLength<typename Traits::Arguments>,
     static_assert(!IsExtension(Traits::kind) || IsNameList(Traits::extended),
                   "lyr: an extension names the classes that it extends, in parentheses behind its "
                   "own name: LYR_KEPT_EXTENSION(Layer, (Circle, Square), ILayer)");
+    static_assert(!NamesOneTwice(Traits::extended),
+                  "lyr: an extension names one of its extended classes twice; name it once");
+    static_assert(!IsNamed(Traits::name, Traits::extended),
+                  "lyr: an extension extends itself; take its own name out of the parentheses, in "
+                  "which the extended classes stand");
     static_assert(!std::is_same_v<typename Facts<Traits>::Interfaces, List<>> ||
                       kContains<TiesOnly, Arguments> || Facts<Traits>::kHasBase,
                   "lyr: the class lists no interface; list those that it implements behind its "

@@ -27,9 +27,9 @@
 
 // The search expects an extension's meta-object as soon as its library is loaded.
 #define LYR_KIT_EXTENSION(kind, Class, ...)                                         \
-    LYR_KIT_TRAITS(Class, Class, kind, LYR_KIT_EXTENDED(__VA_ARGS__, ),             \
+    LYR_KIT_TRAITS(Class, Class, false, kind, LYR_KIT_EXTENDED(__VA_ARGS__, ),      \
                    LYR_KIT_BEHIND_EXTENDED(__VA_ARGS__))                            \
-    LYR_KIT_OFFER(Class, Class)                                                     \
+    LYR_KIT_OFFER(Class, Class, LyrTraitsOf##Class)                                 \
     [[gnu::used]] static const LYRSysTSMetaClass* const LyrDescribedAtLoad##Class = \
         ::lyr::detail::ComponentFor<LyrTraitsOf##Class>::MetaObject();              \
     struct Class : ::lyr::detail::ComponentFor<LyrTraitsOf##Class>

@@ -33,7 +33,7 @@ template <class Base>
 struct From : detail::ClassOption {};
 /// Its objects have no lock: one thread at a time uses each of them.
 struct OneThread : detail::ClassOption {};
-/// Its objects are made by lyr::Make alone, in their own library, and not by name.
+/// Its objects are made by lyr::Make alone, in their own library, and not by name or class id.
 struct Inner : detail::ClassOption {};
 /// It inherits no interface: TIEs give them all.
 struct TiesOnly : detail::ClassOption {};
@@ -49,13 +49,13 @@ struct ClassId : ClassOption {
 };
 
 template <class T>
-constexpr bool kIsOption = std::is_base_of_v<Option, T>;
+inline constexpr bool kIsOption = std::is_base_of_v<Option, T>;
 
 /// Whether each option of a list is of that kind.
 template <class Kind, class Arguments>
-constexpr bool kHasOptionsOf = false;
+inline constexpr bool kHasOptionsOf = false;
 template <class Kind, class... T>
-constexpr bool kHasOptionsOf<Kind, List<T...>> =
+inline constexpr bool kHasOptionsOf<Kind, List<T...>> =
     (true && ... && (!kIsOption<T> || std::is_base_of_v<Kind, T> || std::is_same_v<T, End>));
 
 template <class... Lists>
@@ -99,7 +99,7 @@ struct Count<T, List<U...>> {
 };
 
 template <class T, class List>
-constexpr bool kContains = Count<T, List>::value != 0;
+inline constexpr bool kContains = Count<T, List>::value != 0;
 
 template <class Arguments>
 struct FindBase {
@@ -125,32 +125,41 @@ struct FindClassId<List<ClassId<high, low, isId>, Others...>> {
 };
 
 template <class T>
-constexpr bool kIsFrom = false;
+inline constexpr bool kIsFrom = false;
 template <class Base>
-constexpr bool kIsFrom<From<Base>> = true;
+inline constexpr bool kIsFrom<From<Base>> = true;
 template <class T>
-constexpr bool kIsClassId = false;
+inline constexpr bool kIsClassId = false;
 template <std::uint64_t high, std::uint64_t low, bool isId>
-constexpr bool kIsClassId<ClassId<high, low, isId>> = true;
+inline constexpr bool kIsClassId<ClassId<high, low, isId>> = true;
 
 /// How many of the options a list has.
 template <class Arguments>
-constexpr int kBases = 0;
+inline constexpr int kBases = 0;
 template <class... T>
-constexpr int kBases<List<T...>> = (0 + ... + (kIsFrom<T> ? 1 : 0));
+inline constexpr int kBases<List<T...>> = (0 + ... + (kIsFrom<T> ? 1 : 0));
 template <class Arguments>
-constexpr int kClassIds = 0;
+inline constexpr int kClassIds = 0;
 template <class... T>
-constexpr int kClassIds<List<T...>> = (0 + ... + (kIsClassId<T> ? 1 : 0));
+inline constexpr int kClassIds<List<T...>> = (0 + ... + (kIsClassId<T> ? 1 : 0));
+
+/// Whether an option without a value of its own is there twice; of the others that is said in words
+/// of their own.
+template <class Arguments>
+inline constexpr bool kRepeatsOption = false;
+template <class... T>
+inline constexpr bool kRepeatsOption<List<T...>> =
+    (false || ... ||
+     (kIsOption<T> && !kIsFrom<T> && !kIsClassId<T> && Count<T, List<T...>>::value > 1));
 
 template <class I>
-constexpr bool kIsInterface = std::is_base_of_v<IUnknown, I>&& std::is_abstract_v<I> &&
-                              !std::is_base_of_v<LYRSysTSBaseUnknown, I>;
+inline constexpr bool kIsInterface = std::is_base_of_v<IUnknown, I>&& std::is_abstract_v<I> &&
+                                     !std::is_base_of_v<LYRSysTSBaseUnknown, I>;
 
 /// Whether another one of the list derives from `I`.
 template <class I, class... Others>
-constexpr bool kIsBaseOfAny = (false || ... ||
-                               (std::is_base_of_v<I, Others> && !std::is_same_v<I, Others>));
+inline constexpr bool kIsBaseOfAny = (false || ... ||
+                                      (std::is_base_of_v<I, Others> && !std::is_same_v<I, Others>));
 
 /// The longest list of a class, far below what compilers can take in.
 inline constexpr std::size_t kLongestList = 128;

@@ -93,9 +93,48 @@ constexpr bool IsNameList(const char* text) {
     }
 }
 
+/// Where the next name of such a text begins; its end when none is left.
+constexpr const char* FindName(const char* place) {
+    while (*place != '\0' && !IsNameCharacter(*place)) ++place;
+    return place;
+}
+
+/// Whether two names, each up to what is no character of one, are the same.
+constexpr bool IsSameName(const char* a, const char* b) {
+    for (; IsNameCharacter(*a) && *a == *b; ++a) ++b;
+    return !IsNameCharacter(*a) && !IsNameCharacter(*b);
+}
+
+/// Whether the name is among those of such a text.
+constexpr bool IsNamed(const char* name, const char* names) {
+    for (names = FindName(names); *names != '\0'; names = FindName(names)) {
+        if (IsSameName(name, names)) return true;
+        while (IsNameCharacter(*names)) ++names;
+    }
+    return false;
+}
+
+/// Whether a name stands twice in such a text. By a table, which has more places than there are
+/// names: compilers count the steps that they take, and long lists are compared all the same.
+template <std::size_t size>
+constexpr bool NamesOneTwice(const char (&names)[size]) {
+    const char* table[size] = {};
+    for (const char* name = FindName(names); *name != '\0'; name = FindName(name)) {
+        const char* end = name;
+        std::size_t place = 0;
+        for (; IsNameCharacter(*end); ++end) place = place * 31 + static_cast<unsigned char>(*end);
+        for (place %= size; table[place] != nullptr; place = (place + 1) % size) {
+            if (IsSameName(table[place], name)) return true;
+        }
+        table[place] = name;
+        name = end;
+    }
+    return false;
+}
+
 /// The next name of such a text, behind `place`, which moves to its end; false when none is left.
 constexpr bool NextName(const char*& place, Writer& writer) {
-    while (*place != '\0' && !IsNameCharacter(*place)) ++place;
+    place = FindName(place);
     if (*place == '\0') return false;
     for (; IsNameCharacter(*place); ++place) writer.Put(*place);
     return true;

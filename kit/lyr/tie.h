@@ -81,14 +81,14 @@ constexpr bool IsSameText(const char* a, const char* b) {
 
 /// Whether the list of a TIE for `I` leaves out nothing but what that derives from.
 template <class I, class T>
-constexpr bool kFitsTieFor = true;
+inline constexpr bool kFitsTieFor = true;
 template <class I, class Base>
-constexpr bool kFitsTieFor<I, Without<Base>> =
+inline constexpr bool kFitsTieFor<I, Without<Base>> =
     std::is_base_of_v<Base, I> && !std::is_same_v<Base, I>;
 template <class I, class Arguments>
-constexpr bool kFit = false;
+inline constexpr bool kFit = false;
 template <class I, class... T>
-constexpr bool kFit<I, List<T...>> = (kFitsTieFor<I, T> && ...);
+inline constexpr bool kFit<I, List<T...>> = (kFitsTieFor<I, T> && ...);
 
 template <class Traits>
 struct CheckedTie : CheckedInterfaces<TieInterfaces<Traits>> {
@@ -100,6 +100,8 @@ struct CheckedTie : CheckedInterfaces<TieInterfaces<Traits>> {
                   "LYR_NAMED_TIE(Tie, Class, Name, Interface)");
     static_assert(kHasOptionsOf<TieOption, typename Traits::Arguments>,
                   "lyr: this option is for the class behind the TIE; a TIE has lyr::Without alone");
+    static_assert(!kRepeatsOption<typename Traits::Arguments>,
+                  "lyr: lyr::Without names an interface twice; name it once");
     static_assert(kFit<typename Only<TieInterfaces<Traits>>::Type, typename Traits::Arguments>,
                   "lyr: lyr::Without names an interface that the TIE's interface derives from");
     static constexpr bool value = true;

@@ -43,6 +43,10 @@ also() {
 never() {
     ! grep -E "$1" errors || ((++failures))
 }
+# once: the sentence is the only one of ours.
+once() {
+    [[ $(grep -c ' error: .*lyr: ' errors) == 1 ]] || { echo "one cause, several sentences" && ((++failures)); }
+}
 
 interface() { echo "struct IX : IUnknown { LYR_INTERFACE($1, \"$2\"); };"; }
 id=d0000000-0000-4000-8000-000000000009
@@ -100,7 +104,7 @@ refuse 'lyr: the class does not implement every operation' 'LYR_COMPONENT(C, IA,
 # One cause is told once, and by name.
 also "note: .*'A'|IA::A\\(\\)"
 never 'made without arguments'
-[[ $(grep -c ' error: .*lyr: ' errors) == 1 ]] || { echo "one cause, several sentences" && ((++failures)); }
+once
 refuse 'lyr: the class does not implement every operation' 'LYR_KEPT_EXTENSION(E, (C), IA) {};' \
     'LYR_KEPT_EXTENSION(E, (C), IA) BODY_A;'
 refuse 'lyr: the class does not implement every operation' 'LYR_COMPONENT(C, lyr::TiesOnly) {}; LYR_TIE(T, C, IA) {};' \
@@ -115,6 +119,19 @@ refuse 'lyr: classes in parentheses are those that an extension extends' \
     'struct D; LYR_COMPONENT(C, (D), IA) BODY_A;' 'LYR_COMPONENT(C, IA) BODY_A;'
 refuse 'lyr: an extension has no class id' 'LYR_KEPT_EXTENSION(E, (C), IA, LYR_CLASS_ID(ID(5))) BODY_A;' \
     'LYR_KEPT_EXTENSION(E, (C), IA) BODY_A;'
+kept='LYR_KEPT_EXTENSION(E, (C, D), IA) BODY_A;'
+refuse 'lyr: an extension names one of its extended classes twice' "${kept/C, D/C, CC, C}" "${kept/C, D/C, CC, C_}"
+refuse 'lyr: an extension extends itself' "${kept/C, D/C, E}" "${kept/C, D/EE, E1}"
+refuse 'lyr: an option is listed twice' 'LYR_COMPONENT(C, lyr::OneThread, IA, lyr::OneThread) BODY_A;' \
+    'LYR_COMPONENT(C, lyr::OneThread, IA, lyr::Inner) BODY_A;'
+refuse 'lyr: a class id is for objects that others make' \
+    'LYR_COMPONENT(C, lyr::Inner, LYR_CLASS_ID(ID(5)), IA) BODY_A;' 'LYR_COMPONENT(C, lyr::Inner, IA) BODY_A;'
+declared='LYR_DECLARE_COMPONENT(C, IA) BODY_A; struct S : C {}; LYR_DEFINE_COMPONENT(C);'
+for faulty in 'struct C;' 'struct C : IA BODY_A;' 'LYR_COMPONENT(C, IA) BODY_A;' 'LYR_KEPT_EXTENSION(C, (D), IA) BODY_A;'; do
+    refuse 'lyr: LYR_DEFINE_COMPONENT is for' "$faulty LYR_DEFINE_COMPONENT(C);" "$declared"
+done
+refuse 'lyr: LYR_DEFINE_COMPONENT is for' "${declared/%C);/S);}" "$declared"
+once
 refuse 'lyr: a component is no class template' 'template <class T> LYR_COMPONENT(C, IA) BODY_A;' \
     'LYR_COMPONENT(C, IA) BODY_A;'
 refuse 'lyr: a TIE is for a class' 'struct C {}; LYR_TIE(T, C, IA) BODY_A;' \
@@ -133,6 +150,9 @@ refuse 'lyr: this option is for the class behind the TIE' "$ties LYR_TIE(T, C, I
     "$ties LYR_TIE(T, C, IA) BODY_A;"
 refuse 'lyr: lyr::Without names an interface that' "$ties LYR_TIE(T, C, IA, lyr::Without<IB>) BODY_A;" \
     "$ties LYR_TIE(T, C, IA) BODY_A;"
+refuse 'lyr: lyr::Without names an interface twice' \
+    "$ties LYR_TIE(T, C, IA1, lyr::Without<IA>, lyr::Without<IA>) { void A() override {} void A1() override {} };" \
+    "$ties LYR_TIE(T, C, IA1, lyr::Without<IA>) { void A() override {} void A1() override {} };"
 refuse 'lyr: an extension is made by the request for' \
     'LYR_KEPT_EXTENSION(E, (C), IA) BODY_A; void F() { auto e = lyr::Make<E>(); }' \
     'LYR_COMPONENT(E, IA) BODY_A; void F() { auto e = lyr::Make<E>(); }'
