@@ -49,10 +49,27 @@ std::string PassedOver(const FileLine* line) {
     return Row("passed over", *line, why);
 }
 
+/// Lines that would do for one of the classes of the road.
+std::string PassedOver(const std::vector<Step>& steps, const FilesNow& files) {
+    std::string text;
+    for (const Step& step : steps) {
+        if (step.cause != Cause::kNoEntry) continue;
+        text += PassedOver(files.FindPair(step.className, step.interfaceName));
+    }
+    return text;
+}
+
+bool IsOnRoad(const std::string& className, const std::vector<Step>& steps) {
+    return std::any_of(steps.begin(), steps.end(),
+                       [&](const Step& step) { return step.className == className; });
+}
+
 std::string NearPairs(const std::string& className, const std::string& interfaceName,
-                      const FilesNow& files) {
+                      const std::vector<Step>& steps, const FilesNow& files) {
     std::string text;
     for (const NearLine& near : NearLines(className, interfaceName, files)) {
+        const bool isSame = near.line->words[1] == interfaceName;
+        if (isSame && IsOnRoad(near.line->words[0], steps)) continue;
         text += Row(text.empty() ? "near" : "", *near.line, near.difference);
     }
     return text;
@@ -102,12 +119,12 @@ std::string TellAbsence(const Question& question, const Explanation& explanation
     switch (root.cause) {
         case Cause::kNoEntry:
             return Row("found", "no line for " + Classes(className, explanation.steps) + where) +
-                   unseen + PassedOver(files.FindPair(className, interfaceName)) +
-                   NearPairs(className, interfaceName, files);
+                   unseen + PassedOver(explanation.steps, files) +
+                   NearPairs(className, interfaceName, explanation.steps, files);
         case Cause::kNoCreator:
             return Row("found", "no line that makes a " + className + where) + unseen +
                    PassedOver(files.FindPair(className, "CreateInterface")) +
-                   NearPairs(className, "CreateInterface", files);
+                   NearPairs(className, "CreateInterface", {}, files);
         case Cause::kUnknownInterface:
             return Row("found", "no line for " + interfaceName + where) + unseen +
                    PassedOver(files.FindName(FileKind::kInterfaces, interfaceName)) +

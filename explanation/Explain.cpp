@@ -47,7 +47,7 @@ Explanation ExplainOf(LYRSysTSMetaClass& metaObject, const GUID& iid, const char
     NoteAnotherId(iid, interfaceName, notes);
     const bool isFound = internal::ExplainedSearch::Run(metaObject, iid, notes);
     internal::Question question = QuestionOf(metaObject.IsA(), &iid, interfaceName);
-    question.isOfRequest = internal::RecallSteps(question.className, iid, notes);
+    question.isOfRequest = internal::RecallSteps(question.className, iid, isFound, notes);
     return Conclude(question, notes, isFound && !question.isOfRequest);
 }
 
@@ -123,7 +123,8 @@ Explanation ExplainByName(Of of, const char* className, const char* interfaceNam
     if (const std::optional<GUID> iid = IdOf(interfaceName, loading)) {
         return ExplainOf(of, *iid, interfaceName, loading);
     }
-    return Stop(Cause::kUnknownInterface, className, nullptr,
+    const bool mayBeWritten = internal::StateOfDictionaryFiles() == internal::FilesState::kNotRead;
+    return Stop(mayBeWritten ? Cause::kFilesNotRead : Cause::kUnknownInterface, className, nullptr,
                 interfaceName != nullptr ? interfaceName : "(null)");
 }
 
@@ -132,16 +133,20 @@ class LastWords {
 public:
     template <typename Make>
     const char* Set(Make make) noexcept {
-        const std::lock_guard<std::mutex> guard(_mutex);
         try {
-            std::snprintf(_text, sizeof _text, "%s", make().c_str());
+            return Keep(make().c_str());
         } catch (const std::bad_alloc&) {
-            std::snprintf(_text, sizeof _text, "lyr: no memory to explain it\n");
+            return Keep("lyr: no memory to explain it\n");
         }
-        return _text;
     }
 
 private:
+    const char* Keep(const char* text) {
+        const std::lock_guard<std::mutex> guard(_mutex);
+        std::snprintf(_text, sizeof _text, "%s", text);
+        return _text;
+    }
+
     std::mutex _mutex;
     char _text[8192] = "";
 };

@@ -5,7 +5,9 @@
 #include "LYRSysTSDictionary.h"
 #include "LYRSysTSDictionaryReader.h"
 #include "dictionary/DictionaryScan.h"
+#include "dictionary/PairLine.h"
 #include "explanation/ExplainedSearch.h"
+#include "registries/ClassRecord.h"
 
 #include <cerrno>
 #include <cstdlib>
@@ -22,8 +24,11 @@ namespace {
 /// Why the library's reader refuses the line; null for a good one.
 const char* Fault(FileKind kind, char* const* words, int count) {
     if (kind == FileKind::kPairs) {
-        if (count < 3) return "has less than three words";
-        return count == 4 ? "has four words" : nullptr;
+        const char* leaf = nullptr;
+        const char* extension = nullptr;
+        if (ReadPairLine(words, count, leaf, extension)) return nullptr;
+        return count < 3 ? "has less than three words"
+                         : "has more behind its third word than ITFLEAF or EXTENDED_BY with a name";
     }
     const bool isOfInterface = kind == FileKind::kInterfaces;
     if (count < 2 || count > (isOfInterface ? 2 : 3)) {
@@ -31,7 +36,11 @@ const char* Fault(FileKind kind, char* const* words, int count) {
     }
     GUID id;
     if (LYRSysTSConvertStringToGUID(words[0], id) != 0) return "does not begin with an id";
-    if (!isOfInterface) return nullptr;
+    if (!isOfInterface) {
+        const CLSIDNameRecord* const known = KnownClass(id);
+        const bool isOther = known != nullptr && std::strcmp(known->className, words[1]) != 0;
+        return isOther ? "gives the id another class" : nullptr;
+    }
     const GUID* const known = LYRSysTSDicoIIDName::QueryDicoIIDNameByName(words[1]);
     if (known != nullptr && *known != id) return "gives the name another id";
     const char* const name = LYRSysTSDicoIIDName::QueryDicoIIDNameByIID(id);

@@ -1,6 +1,7 @@
 #include "explanation/Reporter.h"
 #include "support/Notes.h"
 
+#include <algorithm>
 #include <atomic>
 #include <cstdlib>
 #include <new>
@@ -57,14 +58,19 @@ Listener* CurrentListener() noexcept {
     return ear.load(std::memory_order_acquire) == Ear::kReporter ? Reporter::Instance() : nullptr;
 }
 
-bool RecallSteps(const std::string& className, const GUID& iid, Notes& notes) {
+bool RecallSteps(const std::string& className, const GUID& iid, bool isFound, Notes& notes) {
     if (CurrentListener() == nullptr) return false;
     auto heard = Reporter::Instance()->StepsOf(className, iid);
     if (!heard) return false;
-    // What a function has refused to make, it may make for another object.
-    const bool isForGood = heard->empty() || heard->front().cause != Cause::kFactoryGaveNull;
+    const auto holds = [](const std::vector<Step>& steps, Cause cause) {
+        return std::any_of(steps.begin(), steps.end(),
+                           [=](const Step& step) { return step.cause == cause; });
+    };
+    const bool isOfFactory = holds(*heard, Cause::kFactoryGaveNull);
+    const bool isRemembered = holds(notes.Steps(), Cause::kKnownAbsence);
+    if (isFound ? !isOfFactory : isOfFactory || !isRemembered) return false;
     notes.Steps() = std::move(*heard);
-    if (isForGood) notes.Add(Cause::kKnownAbsence, className.c_str(), nullptr);
+    if (isRemembered) notes.Add(Cause::kKnownAbsence, className.c_str(), nullptr);
     return true;
 }
 

@@ -10,8 +10,9 @@ namespace lyr {
 
 namespace {
 
-// A letter that is put in, left out or exchanged; and what is easily overlooked.
-constexpr std::size_t kLetter = 4;
+// A letter that is put in, left out or exchanged; and what is easily overlooked, of which any
+// number comes before a letter.
+constexpr std::size_t kLetter = 64;
 constexpr std::size_t kTrifle = 1;
 
 int Lower(char c) {

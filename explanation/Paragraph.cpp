@@ -12,12 +12,21 @@ namespace lyr::internal {
 
 namespace {
 
+bool Holds(const std::vector<Step>& steps, std::initializer_list<Cause> causes) {
+    return std::any_of(steps.begin(), steps.end(), [&](const Step& step) {
+        return std::find(causes.begin(), causes.end(), step.cause) != causes.end();
+    });
+}
+
 std::size_t RootOf(const std::vector<Step>& steps) {
+    const bool isRemembered = Holds(steps, {Cause::kKnownAbsence});
     std::size_t root = steps.size();
     int weight = 0;
     for (std::size_t i = 0; i < steps.size(); ++i) {
         const CauseRow* const row = RowOf(steps[i].cause);
         if (row == nullptr || row->weight <= weight) continue;
+        // It would be loaded by a request that looks, and none does any more.
+        if (isRemembered && steps[i].cause == Cause::kLibraryNotLoaded) continue;
         weight = row->weight;
         root = i;
     }
@@ -38,11 +47,11 @@ bool Names(const FileLine& line, const std::string& library) {
 }
 
 /// Gives each step that rests on a line its place.
-void FindPlaces(std::vector<Step>& steps, const FilesNow& files) {
+void FindPlaces(const Question& question, std::vector<Step>& steps, const FilesNow& files) {
     for (Step& step : steps) {
         if (step.cause != Cause::kEntryFound) continue;
         const FileLine* const line = step.interfaceName.empty()
-                                         ? files.FindName(FileKind::kClasses, step.className)
+                                         ? files.FindId(FileKind::kClasses, question.id)
                                          : files.FindPair(step.className, step.interfaceName);
         if (line == nullptr || !line->unread.empty() || !Names(*line, step.library)) continue;
         step.file = line->file;
@@ -112,18 +121,12 @@ std::string Remedy(const Explanation& explanation) {
     return remedy != nullptr ? Row("remedy", FillIn(remedy, root)) : std::string();
 }
 
-bool Holds(const std::vector<Step>& steps, std::initializer_list<Cause> causes) {
-    return std::any_of(steps.begin(), steps.end(), [&](const Step& step) {
-        return std::find(causes.begin(), causes.end(), step.cause) != causes.end();
-    });
-}
-
 /// Whether the answer is kept for the life of the process.
 bool IsRemembered(const Question& question, const std::vector<Step>& steps) {
     if (Holds(steps, {Cause::kKnownAbsence})) return true;
     const bool isSearch = question.isAnswered && !question.interfaceName.empty();
     return isSearch && !Holds(steps, {Cause::kLoading, Cause::kNoMemory, Cause::kFilesBeingRead,
-                                      Cause::kNoFolders, Cause::kFactoryGaveNull});
+                                      Cause::kFactoryGaveNull});
 }
 
 const char* WhenOf(const Question& question) {
@@ -136,7 +139,7 @@ const char* WhenOf(const Question& question) {
 void Tell(const Question& question, Explanation& explanation) {
     const bool isYes = explanation.answer == Explanation::Answer::kYes;
     const FilesNow files = NeedsFiles(explanation.steps) ? FilesNow::Read() : FilesNow();
-    FindPlaces(explanation.steps, files);
+    FindPlaces(question, explanation.steps, files);
     explanation.root = isYes ? explanation.steps.size() : RootOf(explanation.steps);
     explanation.text = FirstLine(question, explanation);
     explanation.text += Row("asked for", question.asked);

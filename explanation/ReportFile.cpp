@@ -1,5 +1,6 @@
 #include "explanation/ReportFile.h"
 
+#include <cerrno>
 #include <fcntl.h>
 #include <sys/file.h>
 #include <unistd.h>
@@ -15,7 +16,12 @@ int OpenToAppend(const std::string& path) {
 }  // namespace
 
 ReportFile::~ReportFile() {
+    Close();
+}
+
+void ReportFile::Close() {
     if (IsOpen()) ::close(_descriptor);
+    _descriptor = -1;
 }
 
 bool ReportFile::Open(const std::string& path) {
@@ -40,6 +46,7 @@ void ReportFile::Write(const std::string& text) {
     std::size_t written = 0;
     while (written < text.size()) {
         const ssize_t count = ::write(_descriptor, text.data() + written, text.size() - written);
+        if (count < 0 && errno == EINTR) continue;
         if (count <= 0) return;
         written += static_cast<std::size_t>(count);
     }

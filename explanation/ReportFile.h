@@ -14,6 +14,8 @@ public:
     ReportFile(const ReportFile&) = delete;
     ReportFile& operator=(const ReportFile&) = delete;
 
+    void Close();
+
     /// False, with the reason in errno, when it cannot be written.
     bool Open(const std::string& path);
     bool IsOpen() const { return _descriptor >= 0; }

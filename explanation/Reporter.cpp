@@ -60,7 +60,8 @@ void Reporter::Set(const DebugWords& words) {
         _words = words;
         // A program with rights that its user has not writes no file for him.
         const bool mayWrite = ::getauxval(AT_SECURE) == 0;
-        if (mayWrite && !words.file.empty() && !_file.IsOpen() && !_file.Open(words.file)) {
+        _file.Close();
+        if (mayWrite && !words.file.empty() && !_file.Open(words.file)) {
             problems += "lyr: " + words.file + " cannot be written: " + std::strerror(errno) +
                         "; what it was for follows here\n";
         }

@@ -82,7 +82,8 @@ private:
 };
 
 /// Puts what was heard at the request itself, if it was, in the place of what the search for an
-/// explanation has met of a remembered absence; whether it has.
-bool RecallSteps(const std::string& className, const GUID& iid, Notes& notes);
+/// explanation has met: of an absence that is remembered, or of a function that is found and has
+/// given null. Whether it has.
+bool RecallSteps(const std::string& className, const GUID& iid, bool isFound, Notes& notes);
 
 }  // namespace lyr::internal

@@ -74,7 +74,8 @@ bool DictionarySearch::EnsureFilesAreRead() const {
     if (DictionaryTables::Deleted()) Note(Cause::kDictionaryClosed);
     const bool mayRead = _notes->MayRead();
     if (mayRead && !EnsureDictionaryFilesAreRead()) {
-        Note(Cause::kFilesBeingRead);
+        const bool isReading = StateOfDictionaryFiles() == FilesState::kBeingRead;
+        Note(isReading ? Cause::kFilesBeingRead : Cause::kNoMemory);
         return false;
     }
     switch (StateOfDictionaryFiles()) {

@@ -106,7 +106,7 @@ struct Explanation {
     enum class Answer : std::int32_t {
         kNo,
         kYes,      ///< a function answers it, which may still give null for an object
-        kUnknown,  ///< it cannot be told without loading a library
+        kUnknown,  ///< it cannot be told without loading a library or calling a function of one
     };
 
     std::string className;      ///< as far as it is known

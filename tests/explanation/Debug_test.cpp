@@ -99,6 +99,10 @@ TEST(Debug, RemembersWhatWasMetAtTheFirstRequest) {
     const Explanation explanation = lyr::ExplainRequest(&gadget, Iid(1));
     EXPECT_EQ(RootOf(explanation), "LibraryNotFound") << explanation.text;
     EXPECT_TRUE(Has(explanation.text, "looked      at the first request")) << explanation.text;
+    // What has been registered since, answers.
+    dynamic_cast<LYRSysTSMetaClassImpl*>(gadget.metaObject)
+        ->_AddInterfaceFactory(Iid(1), Creator(1));
+    EXPECT_EQ(lyr::ExplainRequest(&gadget, Iid(1)).answer, Answer::kYes);
 }
 
 TEST(Debug, TellsWhatAFactoryOrItsTieHasRefused) {

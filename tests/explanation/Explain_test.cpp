@@ -105,6 +105,35 @@ TEST(Explain, SaysWhyALineIsPassedOver) {
         << explanation.text;
 }
 
+TEST(Explain, ALineOfABaseThatIsPassedOverIsNoStrangers) {
+    const Files files("Gadget I5 X FOO bar\nShape I1 LyrTestParts\n");
+    Thing gadget(Class("Gadget", ImplementationClass, Class("Shape", ImplementationClass)));
+    const std::string text = lyr::ExplainRequest(&gadget, Iid(1), Loading::kYes).text;
+    EXPECT_TRUE(Has(text, "not read    " + files.Pairs() + ":1  has more behind")) << text;
+    EXPECT_TRUE(Has(text, "passed over " + files.Pairs() + ":2  Shape I1")) << text;
+    EXPECT_FALSE(Has(text, "another class")) << text;
+}
+
+TEST(Explain, ByNameBeforeTheFilesAreReadNothingIsCertain) {
+    const Files files("Gadget I1 LyrTestParts\n");
+    Thing gadget(Class("Gadget", ImplementationClass));
+    const Explanation before = lyr::ExplainRequest(&gadget, "I1");
+    EXPECT_EQ(before.answer, Answer::kUnknown) << before.text;
+    EXPECT_EQ(RootOf(before), "FilesNotRead") << before.text;
+}
+
+TEST(Explain, AnAbsenceThatIsKeptOutweighsWhatHasComeSince) {
+    const Files files("");
+    Thing gadget(Class("Gadget", ImplementationClass));
+    EXPECT_EQ(Ask(gadget, Iid(1)), E_NOINTERFACE);
+    Add("Gadget", "I1", "LyrTestParts");
+    for (const Loading loading : {Loading::kNo, Loading::kYes}) {
+        const Explanation explanation = lyr::ExplainRequest(&gadget, Iid(1), loading);
+        EXPECT_EQ(explanation.answer, Answer::kNo);
+        EXPECT_EQ(RootOf(explanation), "KnownAbsence") << explanation.text;
+    }
+}
+
 TEST(Explain, IdsAndNamesThatDoNotAgree) {
     const Files files("");
     files.Write("b.iidts", "no id\n{A0000010-0000-0000-0000-000000000000} I10\n");
@@ -191,6 +220,8 @@ TEST(NearNames, AreNearInTheirLettersAndNeverTheNameItself) {
     using Names = std::vector<std::string>;
     EXPECT_EQ(lyr::NearNames("Circle", {"Circle", "Square", "Cirlce", "circle", "CIRCLE_"}),
               (Names{"circle", "CIRCLE_", "Cirlce"}));
+    EXPECT_EQ(lyr::NearNames("MYCIRCLE", {"MYCIRCLA", "MYCIRCLB", "MYCIRCLC", "mycircle"}).front(),
+              "mycircle");
     EXPECT_EQ(lyr::NearNames("Io", {"Up", "In"}), Names{});
 }
 
