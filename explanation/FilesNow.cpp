@@ -126,7 +126,8 @@ FilesNow FilesNow::Read() {
         ++now.folders;
         if (!isThere) now.problems.push_back(folder + "  there is no such folder");
         for (const std::string& name : names) {
-            const std::string path = folder + "/" + name;
+            std::string path = folder;
+            path.append("/").append(name);
             const auto [first, isFirst] = met.emplace(name, path);
             if (const char* const why = WhyUnreadable(path)) {
                 now.problems.push_back(path + "  ");

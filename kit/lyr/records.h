@@ -118,15 +118,16 @@ constexpr bool IsNamed(const char* name, const char* names) {
 /// names: compilers count the steps that they take, and long lists are compared all the same.
 template <std::size_t size>
 constexpr bool NamesOneTwice(const char (&names)[size]) {
-    const char* table[size] = {};
+    // Where the names begin, and 1 more: g++ with its sanitizers does not compare pointers here.
+    std::size_t table[size] = {};
     for (const char* name = FindName(names); *name != '\0'; name = FindName(name)) {
         const char* end = name;
         std::size_t place = 0;
         for (; IsNameCharacter(*end); ++end) place = place * 31 + static_cast<unsigned char>(*end);
-        for (place %= size; table[place] != nullptr; place = (place + 1) % size) {
-            if (IsSameName(table[place], name)) return true;
+        for (place %= size; table[place] != 0; place = (place + 1) % size) {
+            if (IsSameName(names + table[place] - 1, name)) return true;
         }
-        table[place] = name;
+        table[place] = static_cast<std::size_t>(name - names) + 1;
         name = end;
     }
     return false;
