@@ -46,11 +46,12 @@ struct Disk {
 };
 
 /// A flag of the library. Not all have a name for the loader, but one in the library's own table of
-/// symbols.
+/// symbols, where link-time optimisation puts an ending behind it.
 static std::atomic<bool>& Flag(const std::string& name) {
     Dl_info library;
     dladdr(dlsym(RTLD_DEFAULT, kEntriesByName), &library);
-    const std::string list = "nm '" + std::string(library.dli_fname) + "' | grep " + name + "$";
+    const std::string list = "nm '" + std::string(library.dli_fname) + "' | grep -E '" + name +
+                             "(\\.lto_priv\\.[0-9]+)?$'";
     std::FILE* const found = popen(list.c_str(), "r");
     std::uintptr_t offset = 0;
     Require(std::fscanf(found, "%lx", &offset) == 1 && pclose(found) == 0);
