@@ -27,7 +27,7 @@ Notes::Mode ModeOf(Loading loading) {
     return loading == Loading::kYes ? Notes::Mode::kExplainLoad : Notes::Mode::kExplain;
 }
 
-/// Has the dictionary files read where that is allowed; whether they may be asked.
+/// Has the dictionary files read where that is allowed.
 void EnsureFiles(Loading loading) {
     if (loading == Loading::kYes) internal::EnsureDictionaryFilesAreRead();
 }

@@ -1,7 +1,6 @@
 #include "explanation/Reporter.h"
 
 #include "LYRSysTSMetaClass.h"
-#include "dictionary/InterfaceName.h"
 #include "dictionary/Messages.h"
 #include "explanation/CauseTable.h"
 #include "explanation/Conclusion.h"
@@ -25,11 +24,6 @@ void Try(Action action) noexcept {
     } catch (const std::bad_alloc&) {
         Say("lyr: no memory to explain what went wrong\n");
     }
-}
-
-std::string NameOrId(const GUID& iid) {
-    const char* const name = InterfaceName(iid, 0);
-    return name != nullptr ? name : InBraces(iid);
 }
 
 /// What many requests share when it is the cause of each: a library that does not load.
@@ -121,15 +115,13 @@ void Reporter::AfterSearch(const LYRSysTSMetaClass& asked, const GUID& iid, Note
                            bool isFound) noexcept {
     Try([&] {
         const auto time = notes.Age();
-        const char* const className = asked.IsA();
-        const std::string name = NameOrId(iid);
-        const Question question = QuestionOf(className, &iid, nullptr);
+        const Question question = QuestionOf(asked.IsA(), &iid, nullptr);
         bool all = false;
         {
             const std::lock_guard<std::mutex> guard(_mutex);
             all = _words.explain && _words.all;
             if (!isFound) _absences[question.className + " " + InBraces(iid)] = notes.Steps();
-            if (isFound && all) all = _words.Match(question.className, name);
+            if (isFound && all) all = _words.Match(question.className, question.interfaceName);
         }
         if (!all) return;
         const Explanation explanation = ConcludeRequest(question, notes, isFound);

@@ -58,22 +58,22 @@ class Sharing {
 public:
     Sharing() = default;
     ~Sharing() {
-        lyr::internal::Listener* const listener = lyr::internal::CurrentListener();
-        if (_difference != nullptr && listener != nullptr) {
-            listener->OnContradiction({_className, "MetaObject", _difference});
-        }
+        if (_difference == nullptr) return;
+        _listener->OnContradiction({_className, "MetaObject", _difference});
     }
     Sharing(const Sharing&) = delete;
     Sharing& operator=(const Sharing&) = delete;
 
     void Look(LYRSysTSMetaClass& known, LYRSysTSTypeOfClass type, const GUID* clsid,
               const LYRSysTSMetaClass* base) {
-        if (lyr::internal::CurrentListener() == nullptr) return;
+        if (_listener == nullptr) return;
         _className = known.IsA();
         _difference = Difference(known, type, clsid, base);
     }
 
 private:
+    // Asked for here, as the first who asks may have words said.
+    lyr::internal::Listener* const _listener = lyr::internal::CurrentListener();
     const char* _className = nullptr;
     const char* _difference = nullptr;
 };
