@@ -131,6 +131,8 @@ Contradiction Addition::Refused() const {
     Contradiction contradiction = _contradiction.value_or(Contradiction());
     contradiction.className = _texts[0].text;
     contradiction.interfaceName = _texts[1].text;
+    contradiction.clsid = _ids[0];
+    contradiction.iid = _ids[1];
     return contradiction;
 }
 

@@ -61,8 +61,8 @@ private:
 };
 
 /// Says at its end that the dictionary has refused additions, each of them, also when its owner
-/// fails later on. It stands before the lock is taken, so that it speaks after it; the texts that
-/// were to be added outlive it.
+/// fails later on. It stands before the lock is taken, so that it speaks after it; the texts and
+/// ids that were to be added outlive it.
 class Refusals {
 public:
     /// At most two.

@@ -26,7 +26,8 @@ bool Holds(const std::vector<Step>& steps, Cause cause) {
 Answer AnswerOf(const std::vector<Step>& steps) {
     if (Holds(steps, Cause::kKnownAbsence)) return Answer::kNo;
     for (const Cause open : {Cause::kLibraryNotLoaded, Cause::kFilesNotRead, Cause::kUnknownClass,
-                             Cause::kOwnSearch, Cause::kPassedOn, Cause::kFactoryGaveNull}) {
+                             Cause::kOwnSearch, Cause::kPassedOn, Cause::kFactoryGaveNull,
+                             Cause::kLoading, Cause::kNoMemory}) {
         if (Holds(steps, open)) return Answer::kUnknown;
     }
     return Answer::kNo;

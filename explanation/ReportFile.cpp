@@ -40,16 +40,17 @@ bool ReportFile::OpenOwn() {
     return IsOpen();
 }
 
-void ReportFile::Write(const std::string& text) {
-    if (!IsOpen()) return;
-    if (_process != ::getpid() && !OpenOwn()) return;
+bool ReportFile::Write(const std::string& text) {
+    if (IsOpen() && _process != ::getpid()) OpenOwn();
+    if (!IsOpen()) return false;
     std::size_t written = 0;
     while (written < text.size()) {
         const ssize_t count = ::write(_descriptor, text.data() + written, text.size() - written);
         if (count < 0 && errno == EINTR) continue;
-        if (count <= 0) return;
+        if (count <= 0) break;
         written += static_cast<std::size_t>(count);
     }
+    return written > 0;
 }
 
 }  // namespace lyr::internal

@@ -20,8 +20,8 @@ public:
     bool Open(const std::string& path);
     bool IsOpen() const { return _descriptor >= 0; }
 
-    /// Writes the text in one piece.
-    void Write(const std::string& text);
+    /// Writes the text in one piece; false when no file is open, or nothing of it could be written.
+    bool Write(const std::string& text);
 
 private:
     bool OpenOwn();

@@ -5,6 +5,7 @@
 #include "explanation/CauseTable.h"
 #include "explanation/Conclusion.h"
 #include "explanation/ExplainedSearch.h"
+#include "registries/ClassRecord.h"
 #include "support/Notes.h"
 
 #include <cerrno>
@@ -31,6 +32,21 @@ std::string KeyOf(const Step& root, const std::string& pair) {
     const bool isOfLibrary =
         root.cause == Cause::kLibraryNotFound || root.cause == Cause::kLibraryNotLoading;
     return isOfLibrary ? "library " + root.library : pair;
+}
+
+/// What is said of the class: the name, or the id with the name that is known for it.
+std::string ClassOf(const Contradiction& contradiction) {
+    if (contradiction.className != nullptr) return contradiction.className;
+    if (contradiction.clsid == nullptr) return {};
+    const CLSIDNameRecord* const known = KnownClass(*contradiction.clsid);
+    const std::string name = known != nullptr ? std::string(known->className) + " " : "";
+    return name + InBraces(*contradiction.clsid);
+}
+
+std::string InterfaceOf(const Contradiction& contradiction) {
+    if (contradiction.interfaceName != nullptr) return contradiction.interfaceName;
+    if (contradiction.iid == nullptr) return {};
+    return QuestionOf(nullptr, contradiction.iid, nullptr).asked;
 }
 
 std::string InMicroseconds(std::chrono::nanoseconds time) {
@@ -67,10 +83,7 @@ void Reporter::Set(const DebugWords& words) {
 void Reporter::Write(const std::string& text) {
     {
         const std::lock_guard<std::mutex> guard(_mutex);
-        if (_file.IsOpen()) {
-            _file.Write(text);
-            return;
-        }
+        if (_file.Write(text)) return;
     }
     Say("%s", text.c_str());
 }
@@ -196,9 +209,10 @@ void Reporter::BeforeLine(const char* path, int line, const char* const* words,
                           int count) noexcept {
     Try([&] {
         const std::lock_guard<std::mutex> guard(_mutex);
-        _current = {std::string(path) + ":" + std::to_string(line), std::this_thread::get_id()};
-        if (count < 2) return;
-        _places.emplace(std::string(words[0]) + " " + words[1], _current.place);
+        const std::string pair = count < 2 ? "" : std::string(words[0]) + " " + words[1];
+        _current = {std::string(path) + ":" + std::to_string(line), pair,
+                    std::this_thread::get_id()};
+        if (count >= 2) _places.emplace(pair, _current.place);
     });
 }
 
@@ -207,24 +221,29 @@ void Reporter::AfterLine() noexcept {
     _current.thread = {};
 }
 
+std::string Reporter::PlaceOfRefused() {
+    const std::lock_guard<std::mutex> guard(_mutex);
+    if (_current.thread != std::this_thread::get_id()) return {};
+    // What it says is said elsewhere, so it is nobody's place.
+    const auto pair = _places.find(_current.pair);
+    if (pair != _places.end() && pair->second == _current.place) _places.erase(pair);
+    return _current.place + ": ";
+}
+
 std::string Reporter::TextOf(const Contradiction& contradiction) {
-    const std::string first = contradiction.className != nullptr ? contradiction.className : "";
-    const std::string second =
-        contradiction.interfaceName != nullptr ? contradiction.interfaceName : "";
-    std::string here;
-    {
-        const std::lock_guard<std::mutex> guard(_mutex);
-        if (_current.thread == std::this_thread::get_id()) here = _current.place + ": ";
-    }
-    const std::string before = PlaceOf(first, second);
-    const bool isSelf = before + ": " == here;
+    const std::string here = PlaceOfRefused();
+    const std::string first = ClassOf(contradiction);
+    const std::string second = InterfaceOf(contradiction);
     std::string text = "lyr: " + here + "\"" + first + " " + second + "\" ";
     if (contradiction.field == nullptr) return text + "is not registered: memory is short\n";
-    text += std::string("is said twice, with another ") + contradiction.field;
-    if (contradiction.given != nullptr) text += std::string(" ") + contradiction.given;
-    if (contradiction.known != nullptr) text += std::string(", first ") + contradiction.known;
+    const std::string field = contradiction.field;
+    const std::string prefix = field == "library" ? " lib" : " ";
+    text += "is said twice, with another " + field;
+    if (contradiction.given != nullptr) text += prefix + contradiction.given;
+    if (contradiction.known != nullptr) text += ", first" + prefix + contradiction.known;
     text += "; the first stays\n";
-    if (!before.empty() && !isSelf) text += "  first       " + before + "\n";
+    const std::string before = PlaceOf(first, second);
+    if (!before.empty()) text += "  first       " + before + "\n";
     return text + "  remedy      take one of the two out\n";
 }
 

@@ -58,6 +58,7 @@ public:
 private:
     struct Line {
         std::string place;
+        std::string pair;        ///< its first two words; empty when it has fewer
         std::thread::id thread;  ///< that reads it
     };
     struct Told {
@@ -69,6 +70,8 @@ private:
     void TellOnce(const Explanation& explanation);
     bool IsNew(const Explanation& explanation, const std::string& pair);
     std::string TextOf(const Contradiction& contradiction);
+    /// Where this thread reads a line, "a.dicts:3: "; empty when it reads none.
+    std::string PlaceOfRefused();
 
     std::mutex _mutex;  // guards all that follows; nothing is said under it
     DebugWords _words;

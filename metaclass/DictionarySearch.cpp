@@ -64,9 +64,10 @@ SearchResult DictionarySearch::Run() {
     _mayPass = !_filesAreRead;
     BeginLook();
     const LYRSysTSInterfaceFactory factory = Find();
-    const bool mayPass = factory == nullptr && (_mayPass || MayHaveBeenLoading());
-    if (mayPass && _filesAreRead) Note(Cause::kLoading);
-    return {factory, mayPass};
+    if (factory != nullptr) return {factory, false};
+    if (MayHaveBeenLoading()) _metLoading = true;
+    if (_metLoading && _filesAreRead) Note(Cause::kLoading);
+    return {nullptr, _mayPass || _metLoading};
 }
 
 bool DictionarySearch::EnsureFilesAreRead() const {
@@ -169,7 +170,7 @@ bool DictionarySearch::Extends(const EntryCopy& entry) {
 bool DictionarySearch::Lists(LYRSysTSMetaClassExt& extension) {
     BeginLook();
     if (extension.IsExtensionOf(&_asked)) return true;
-    if (extension.LacksNames()) _mayPass = true;
+    if (extension.LacksNames()) OnShortage();
     return false;
 }
 
@@ -189,8 +190,7 @@ LYRSysTSInterfaceFactory DictionarySearch::FindEntryPoint(const EntryCopy& entry
                                                           const char* interfaceName) {
     const auto name = EntryPointName(entry, interfaceName, _asked.IsA());
     if (!name) {
-        Note(Cause::kNoMemory);
-        _mayPass = true;
+        OnShortage();
         return nullptr;
     }
     const char* const symbol = name->c_str();
@@ -204,15 +204,20 @@ LYRSysTSInterfaceFactory DictionarySearch::FindEntryPoint(const EntryCopy& entry
 /// What the library manager answers, which may load a library for it.
 template <typename Ask>
 void* DictionarySearch::Load(const char* library, const char* symbol, Ask ask) {
-    if (MayHaveBeenLoading()) _mayPass = true;
+    if (MayHaveBeenLoading()) _metLoading = true;
     bool mayPass = false;
     void* const answer = ask(mayPass);
-    if (mayPass) _mayPass = true;
+    if (mayPass) OnShortage();
     if (_notes != nullptr) {
         _notes->AddLoad(answer, _asked.IsA(), _interfaceName, library, symbol);
     }
     BeginLook();
     return answer;
+}
+
+void DictionarySearch::OnShortage() {
+    Note(Cause::kNoMemory);
+    _mayPass = true;
 }
 
 void DictionarySearch::BeginLook() {

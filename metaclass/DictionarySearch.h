@@ -52,6 +52,7 @@ private:
     // look began. One that the search has loaded itself does not count.
     template <typename Ask>
     void* Load(const char* library, const char* symbol, Ask ask);
+    void OnShortage();
     void BeginLook();
     bool MayHaveBeenLoading() const;
 
@@ -62,6 +63,7 @@ private:
     std::uint64_t _loads = 0;              // marked when the last look began
     bool _filesAreRead = false;
     bool _mayPass = false;
+    bool _metLoading = false;
 };
 
 }  // namespace lyr::internal

@@ -59,7 +59,11 @@ public:
     Sharing() = default;
     ~Sharing() {
         if (_difference == nullptr) return;
-        _listener->OnContradiction({_className, "MetaObject", _difference});
+        lyr::internal::Contradiction contradiction;
+        contradiction.className = _className;
+        contradiction.interfaceName = "MetaObject";
+        contradiction.field = _difference;
+        _listener->OnContradiction(contradiction);
     }
     Sharing(const Sharing&) = delete;
     Sharing& operator=(const Sharing&) = delete;

@@ -13,6 +13,7 @@
 #include <link.h>
 #include <mutex>
 #include <new>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <sys/statvfs.h>
@@ -150,7 +151,8 @@ void* LYRThrLibraryManager::TryLoadLibrary(const char* name, bool& mayPass,
             lyr::internal::LoadedLibraries::Find(name)) {
         return known->handle;
     }
-    const lyr::internal::Loads::Running running;
+    std::optional<lyr::internal::Loads::Running> running;
+    if (listener == nullptr || listener->MayLoad()) running.emplace();
     Failure failure;
     void* handle = OpenFirst(lyr::internal::LibraryFiles(name), failure, listener);
     const lyr::internal::Folders::Folder* folder = lyr::internal::Folders::First();

@@ -9,11 +9,12 @@ namespace lyr::internal {
 
 class Notes;
 
-/// Why the dictionary refuses an addition. The texts live as long as the tables, but for `given`;
-/// they are null where there is none.
+/// Why the dictionary refuses an addition. Valid during the call alone; null where there is none.
 struct Contradiction {
     const char* className = nullptr;
     const char* interfaceName = nullptr;
+    const GUID* clsid = nullptr;
+    const GUID* iid = nullptr;
     const char* field = nullptr;  ///< what is said twice, "library"; null when it is not that
     const char* known = nullptr;  ///< where it is a text
     const char* given = nullptr;

@@ -162,7 +162,8 @@ using MessageHandler = void (*)(const char* text, void* context);
 
 /// Has all messages of the library given to `handler` instead of standard error, the texts that it
 /// writes there included; null for standard error again. At any time; a message on its way may
-/// still go to the handler before.
+/// still go to the handler before. LYRDebug's sum comes while the process ends, with the
+/// functions of `atexit`: a handler that may not be called then is taken back before.
 LYR_EXPORT void SetMessageHandler(MessageHandler handler, void* context) noexcept;
 
 /// Says a message where the library says its own.

@@ -32,10 +32,11 @@ public:
 
 protected:
     using Base::Base;
-    GivenBackByRelease() =
-        default;  // NOLINT(modernize-use-equals-delete): some bases take arguments
-    virtual ~GivenBackByRelease() =
-        default;  // NOLINT(modernize-use-override): not every base has one
+    // Some bases take arguments, and not every base has a destructor that is virtual.
+    // NOLINTBEGIN(modernize-use-equals-delete,modernize-use-override)
+    GivenBackByRelease() = default;
+    virtual ~GivenBackByRelease() = default;
+    // NOLINTEND(modernize-use-equals-delete,modernize-use-override)
 
     static void* operator new(std::size_t size) { return ::operator new(size); }
     static void* operator new(std::size_t size, std::align_val_t alignment) {

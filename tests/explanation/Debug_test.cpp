@@ -127,7 +127,7 @@ TEST(Debug, TellsBothSidesOfAContradiction) {
     const std::string text = TextWith("explain", [] { Dictionary::EnsureInitDictionary(); });
     EXPECT_TRUE(Has(text, kRefused)) << text;
     EXPECT_TRUE(Has(text, files.Pairs() + ":2: \"Point IPoint\" is said twice, with another "
-                                          "library Other, first LyrTestParts"))
+                                          "library libOther, first libLyrTestParts"))
         << text;
     EXPECT_TRUE(Has(text, "first       " + files.Pairs() + ":1")) << text;
     const std::string shared = TextWith("explain", [] {
@@ -136,6 +136,21 @@ TEST(Debug, TellsBothSidesOfAContradiction) {
     });
     EXPECT_TRUE(Has(shared, "\"Twice MetaObject\" is said twice, with another kind of class"))
         << shared;
+}
+
+TEST(Debug, ContradictionsByIdsHaveNamesAndARefusedLineIsNobodysPlace) {
+    const Files files("Point I2 libOther\n");
+    Dictionary::AddDictionaryTS("Point", "I2", "LyrTestParts", nullptr, nullptr, nullptr, nullptr);
+    Dictionary::AddDictionaryTS(Iid(8), Iid(1), Creator(1), nullptr);
+    const std::string text = TextWith("explain", [] {
+        Dictionary::EnsureInitDictionary();
+        Dictionary::AddDictionaryTS("Point", "I2", "LyrTestThird", nullptr, nullptr, nullptr,
+                                    nullptr);
+        Dictionary::AddDictionaryTS(Iid(8), Iid(1), Creator(2), nullptr);
+    });
+    EXPECT_EQ(Count(text, "is said twice"), 3U) << text;
+    EXPECT_FALSE(Has(text, "first       ")) << text;
+    EXPECT_TRUE(Has(text, "} I1 {")) << text;
 }
 
 TEST(Debug, WritesToAFileAndTellsUnknownWords) {
