@@ -25,9 +25,9 @@ bool Holds(const std::vector<Step>& steps, Cause cause) {
 /// What a search that found nothing means for a request.
 Answer AnswerOf(const std::vector<Step>& steps) {
     if (Holds(steps, Cause::kKnownAbsence)) return Answer::kNo;
-    for (const Cause open : {Cause::kLibraryNotLoaded, Cause::kFilesNotRead, Cause::kUnknownClass,
-                             Cause::kOwnSearch, Cause::kPassedOn, Cause::kFactoryGaveNull,
-                             Cause::kLoading, Cause::kNoMemory}) {
+    for (const Cause open :
+         {Cause::kLibraryNotLoaded, Cause::kFilesNotRead, Cause::kUnknownClass, Cause::kOwnSearch,
+          Cause::kPassedOn, Cause::kFactoryGaveNull, Cause::kLoading, Cause::kNoMemory}) {
         if (Holds(steps, open)) return Answer::kUnknown;
     }
     return Answer::kNo;
