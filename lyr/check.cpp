@@ -1,15 +1,13 @@
 // lyr check: what would fail or surprise in folders of dictionaries and the libraries that they
 // lead to.
 
-#include "lyr/Commands.h"
 #include "lyr/Json.h"
 #include "lyr/Selection.h"
-#include "lyr/SurveyOptions.h"
+#include "lyr/SurveyCommand.h"
 
 #include <algorithm>
 #include <cstdio>
 #include <limits>
-#include <memory>
 #include <set>
 #include <string>
 
@@ -66,12 +64,15 @@ Status Run(const Arguments& arguments) {
 }  // namespace
 
 void AddCheck(CLI::App& program, Status& status) {
-    CLI::App* const command = program.add_subcommand(
-        "check",
-        "Says what would fail or surprise in folders of dictionary files and the libraries that "
-        "they lead to, without loading any. The status is 0 without errors and 1 with them.");
-    const auto arguments = std::make_shared<Arguments>();
-    arguments->places.AddTo(*command);
+    const auto [command, arguments] = AddSurveyCommand(
+        program,
+        {"check",
+         "Says what would fail or surprise in folders of dictionary files and the libraries that "
+         "they lead to, without loading any. The status is 0 without errors and 1 with them.",
+         "Examples:\n"
+         "  lyr check -d app/dictionary -l build/lib -p build/bin/app\n"
+         "  LYRDictionaryPath=dictionary lyr check --strict --ignore no-id:'*/old/*'"},
+        status, Run);
     command->add_flag("--strict", arguments->isStrict, "Warnings, too, make the status 1");
     command->add_flag("--all", arguments->showsAll,
                       "All lines that a cause hits, and not three of them");
@@ -85,11 +86,6 @@ void AddCheck(CLI::App& program, Status& status) {
     command->add_option("--write-baseline", arguments->baselineToWrite,
                         "Writes such a file of what is found");
     command->add_flag("--json", arguments->isJson, "Writes JSON");
-    command->footer(
-        "Examples:\n"
-        "  lyr check -d app/dictionary -l build/lib -p build/bin/app\n"
-        "  LYRDictionaryPath=dictionary lyr check --strict --ignore no-id:'*/old/*'");
-    command->final_callback([=, &status] { status = Run(*arguments); });
 }
 
 }  // namespace lyr::program

@@ -21,6 +21,7 @@ int Run(int count, char** words) {
     lyr::program::AddCheck(program, status);
     lyr::program::AddList(program, status);
     lyr::program::AddShow(program, status);
+    lyr::program::AddExplain(program, status);
     lyr::program::AddWhy(program, status);
     lyr::program::AddGraph(program, status);
     lyr::program::AddManifest(program, status);
