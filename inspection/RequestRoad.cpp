@@ -22,10 +22,12 @@ constexpr int kAbsence = 1;
 constexpr int kInterface = 2;
 constexpr int kLine = 3;
 
-/// Texts of findings end with what to do, behind a semicolon.
+/// Texts of findings end with what to do, behind a semicolon, or with what is perhaps the reason.
 std::pair<std::string, std::string> SplitRemedy(const std::string& text) {
     const std::size_t semicolon = text.find("; ");
-    if (semicolon == std::string::npos) return {text, ""};
+    const bool hasRemedy =
+        semicolon != std::string::npos && text.compare(semicolon + 2, 7, "perhaps") != 0;
+    if (!hasRemedy) return {text, ""};
     return {text.substr(0, semicolon), text.substr(semicolon + 2)};
 }
 
