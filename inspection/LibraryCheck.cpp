@@ -16,15 +16,6 @@ namespace lyr::inspection {
 
 namespace {
 
-/// The lines of a library behind the first, where the finding stands.
-std::vector<Note> OtherLines(const NamedLibrary& library) {
-    std::vector<Note> notes;
-    for (std::size_t i = 1; i < library.lines.size(); ++i) {
-        notes.push_back({library.lines[i].place, "so does \"" + library.lines[i].text + "\""});
-    }
-    return notes;
-}
-
 std::vector<std::string> FilesIn(const std::string& folder) {
     std::vector<std::string> names;
     DIR* const open = ::opendir(folder.c_str());
@@ -150,6 +141,14 @@ void CheckProgram(Survey& survey, const LibrarySearch& search, Findings& finding
 }
 
 }  // namespace
+
+std::vector<Note> OtherLines(const NamedLibrary& library) {
+    std::vector<Note> notes;
+    for (std::size_t i = 1; i < library.lines.size(); ++i) {
+        notes.push_back({library.lines[i].place, "so does \"" + library.lines[i].text + "\""});
+    }
+    return notes;
+}
 
 std::string WrongFile(const NamedLibrary& library, const LibrarySearch& search) {
     const LoaderFile* const file = library.file;

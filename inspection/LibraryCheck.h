@@ -12,6 +12,9 @@ namespace lyr::inspection {
 std::vector<Manifest> ReadManifests(const std::map<std::string, NamedLibrary>& libraries,
                                     Findings& findings);
 
+/// The lines of a library behind the first, where findings of it stand, as their notes.
+std::vector<Note> OtherLines(const NamedLibrary& library);
+
 /// What is wrong with the file that was found, whatever it needs: it is none that is loaded, or is
 /// for another processor. Empty for nothing, also when none was found.
 std::string WrongFile(const NamedLibrary& library, const LibrarySearch& search);

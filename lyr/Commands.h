@@ -8,6 +8,10 @@ namespace lyr::program {
 /// code could tell with 3.
 enum Status : int { kGood = 0, kErrors = 1, kWrongUsage = 2, kNotKnown = 3 };
 
+/// Adds the command by which the program tries libraries in a process of its own; users are not
+/// told of it.
+void AddTrial(CLI::App& program);
+
 /// Each adds a command to the program and sets `status` when that command has run.
 void AddCheck(CLI::App& program, Status& status);
 void AddExplain(CLI::App& program, Status& status);

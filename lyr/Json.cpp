@@ -65,7 +65,7 @@ std::string JsonOf(const std::vector<const Entry*>& entries) {
     return TextOf(json);
 }
 
-std::string JsonOf(const inspection::RequestRoad& road) {
+std::string JsonOf(const inspection::RequestRoad& road, const std::string& loaded) {
     Json json = {{"format", 1},
                  {"class", road.className},
                  {"interface", road.interfaceName},
@@ -79,6 +79,7 @@ std::string JsonOf(const inspection::RequestRoad& road) {
         if (!step.place.file.empty()) one.update(JsonOf(step.place));
         json["steps"].push_back(std::move(one));
     }
+    if (!loaded.empty()) json["loaded"] = loaded;
     return TextOf(json);
 }
 

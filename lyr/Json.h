@@ -16,8 +16,8 @@ std::string JsonOf(const inspection::Findings& findings, std::size_t files, std:
 /// What a catalog has found, in the same format.
 std::string JsonOf(const std::vector<const Entry*>& entries);
 
-/// A road, in the same format.
-std::string JsonOf(const inspection::RequestRoad& road);
+/// A road, in the same format; and what a process that has gone it says, empty for none.
+std::string JsonOf(const inspection::RequestRoad& road, const std::string& loaded);
 
 /// "yes", "no" or "unknown".
 const char* WordFor(inspection::Verdict verdict);

@@ -2,6 +2,7 @@
 
 #include "inspection/RequestRoad.h"
 #include "lyr/Json.h"
+#include "lyr/LoadTrials.h"
 #include "lyr/SurveyCommand.h"
 
 #include <cstdio>
@@ -16,6 +17,7 @@ using inspection::Verdict;
 
 struct Arguments {
     SurveyOptions places;
+    LoadOptions load;
     std::string className;
     std::string interfaceName;
     bool isJson = false;
@@ -66,14 +68,35 @@ Status StatusOf(Verdict verdict) {
     return verdict == Verdict::No ? kErrors : kNotKnown;
 }
 
+/// Asks in a process that loads what it needs. Gives what that process says, if it knows the
+/// answer; the road then has that answer.
+std::string Ask(const Arguments& arguments, const inspection::Survey& survey, RequestRoad& road) {
+    TriedRequest tried = TryRequest(arguments.places, arguments.load, survey, arguments.className,
+                                    arguments.interfaceName);
+    const std::string firstLine = tried.text.substr(0, tried.text.find('\n'));
+    if (tried.verdict == Verdict::Unknown) {
+        road.steps.push_back({"loading", {}, firstLine});
+        return {};
+    }
+    if (tried.verdict != road.verdict) {
+        road.cause = tried.verdict == Verdict::Yes ? "" : firstLine;
+        road.remedy.clear();
+    }
+    road.verdict = tried.verdict;
+    return std::move(tried.text);
+}
+
 Status Run(const Arguments& arguments) {
     inspection::Survey survey = arguments.places.Look();
-    const RequestRoad road =
+    RequestRoad road =
         inspection::RoadFinder(survey).Find(arguments.className, arguments.interfaceName);
+    std::string text;
+    if (arguments.load.isWanted) text = Ask(arguments, survey, road);
     if (arguments.isJson) {
-        std::puts(JsonOf(road).c_str());
+        std::puts(JsonOf(road, text).c_str());
     } else {
-        std::fputs(TextOf(road, survey.Files().size()).c_str(), stdout);
+        if (text.empty()) text = TextOf(road, survey.Files().size());
+        std::fputs(text.c_str(), stdout);
     }
     return StatusOf(road.verdict);
 }
@@ -86,9 +109,11 @@ void AddExplain(CLI::App& program, Status& status) {
         {"explain",
          "Explains how a request for an interface of a class would be answered: each step of its "
          "road through the dictionaries and the libraries, and the cause when it fails. The status "
-         "is 0 when it would be answered, 1 when not, and 3 when only the libraries' code tells.",
+         "is 0 when it would be answered, 1 when not, and 3 when only the libraries' code tells; "
+         "--load has a process of its own ask.",
          "Examples:\n"
          "  lyr explain Circle IPrint -d app/dictionary -l build/lib\n"
+         "  lyr explain Circle IPrint -d app/dictionary --load\n"
          "  lyr explain Circle 9ff2405a-cfea-461a-a560-f36c489875ab -d app/dictionary\n"
          "  lyr explain Circle CreateInterface -d app/dictionary --json"},
         status, Run);
@@ -99,6 +124,7 @@ void AddExplain(CLI::App& program, Status& status) {
                      "The interface by its name or its id; CreateInterface for the making of an "
                      "object by the name of its class")
         ->required();
+    arguments->load.AddTo(*command);
     command->add_flag("--json", arguments->isJson, "Writes JSON");
 }
 
