@@ -14,8 +14,7 @@ std::string Version() {
 
 int Run(int count, char** words) {
     auto status = lyr::program::kGood;
-    CLI::App program("Looks at component libraries and dictionary files, without loading them.",
-                     "lyr");
+    CLI::App program("Looks at component libraries and dictionary files.", "lyr");
     program.set_version_flag("--version", Version());
     program.require_subcommand(1);
     lyr::program::AddCheck(program, status);
