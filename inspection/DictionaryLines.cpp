@@ -188,4 +188,8 @@ std::string CanonicalId(std::string_view text) {
     return id;
 }
 
+std::string IdFromUser(const std::string& text) {
+    return CanonicalId(text.starts_with("{") ? text : "{" + text + "}");
+}
+
 }  // namespace lyr::inspection

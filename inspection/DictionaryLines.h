@@ -72,4 +72,7 @@ std::string TextOf(const GUID& id);
 /// The id in capitals; empty unless it is written {8-4-4-4-12}, in hexadecimal digits.
 std::string CanonicalId(std::string_view text);
 
+/// The same for an id as people type it, with braces or without.
+std::string IdFromUser(const std::string& text);
+
 }  // namespace lyr::inspection

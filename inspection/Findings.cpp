@@ -11,13 +11,8 @@ std::string Head(const Place& place) {
     return place.line == 0 ? place.file : place.file + ":" + std::to_string(place.line);
 }
 
-/// Names of files may hold anything; one finding is one line all the same.
 void AppendLine(std::string& lines, const std::string& line) {
-    for (const char c : line) {
-        const bool isControl = static_cast<unsigned char>(c) < ' ' || c == '\x7f';
-        lines.push_back(isControl ? '?' : c);
-    }
-    lines.push_back('\n');
+    lines.append(Printable(line)).append("\n");
 }
 
 void AppendFinding(std::string& lines, const Finding& finding, std::size_t notes) {
@@ -75,6 +70,13 @@ std::string Findings::Lines(std::size_t notes) const {
 std::string Findings::Text() const {
     if (!HasErrors()) return {};
     return Lines(kNotesShown) + Counted(Count(Severity::Error), "error") + "\n";
+}
+
+std::string Printable(std::string_view text) {
+    std::string line(text);
+    std::replace_if(
+        line.begin(), line.end(), [](unsigned char c) { return c < ' ' || c == '\x7f'; }, '?');
+    return line;
 }
 
 std::string Counted(std::size_t count, std::string_view what) {

@@ -64,6 +64,9 @@ private:
     std::vector<Finding> _findings;
 };
 
+/// The text in one line, whatever it holds: names of files may hold anything.
+std::string Printable(std::string_view text);
+
 /// As many notes as are shown of one finding unless all are wanted.
 inline constexpr std::size_t kNotesShown = 3;
 

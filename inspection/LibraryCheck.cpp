@@ -16,15 +16,6 @@ namespace lyr::inspection {
 
 namespace {
 
-/// The lines of a library behind the first, where the finding stands.
-std::vector<Note> OtherLines(const NamedLibrary& library) {
-    std::vector<Note> notes;
-    for (std::size_t i = 1; i < library.lines.size(); ++i) {
-        notes.push_back({library.lines[i].place, "so does \"" + library.lines[i].text + "\""});
-    }
-    return notes;
-}
-
 std::vector<std::string> FilesIn(const std::string& folder) {
     std::vector<std::string> names;
     DIR* const open = ::opendir(folder.c_str());
@@ -32,23 +23,6 @@ std::vector<std::string> FilesIn(const std::string& folder) {
     while (const dirent* const entry = ::readdir(open)) names.emplace_back(entry->d_name);
     ::closedir(open);
     return names;
-}
-
-/// Files with names like the library's, in the folders that somebody has named.
-std::string NearFiles(const NamedLibrary& library, const SearchPlaces& places) {
-    std::vector<std::string> names;
-    for (const auto* folders : {&places.folders, &places.fromEnvironment}) {
-        for (const std::string& folder : *folders) {
-            for (std::string& name : FilesIn(places.image.PathHere(folder))) {
-                names.push_back(std::move(name));
-            }
-        }
-    }
-    std::string text;
-    for (const std::string& name : NearNames("lib" + library.name + ".so", names)) {
-        text.append(text.empty() ? "; there is " : ", ").append(name);
-    }
-    return text;
 }
 
 std::string PlacesText(const SearchPlaces& places) {
@@ -59,45 +33,32 @@ std::string PlacesText(const SearchPlaces& places) {
 }
 
 void AddNotFound(const NamedLibrary& library, const SearchPlaces& places, Findings& findings) {
-    std::string tried;
-    for (const std::string& name : library.tried) {
-        tried.append(tried.empty() ? "" : ", ").append(name);
-    }
     const std::string line = "\"" + library.lines.front().text + "\" needs ";
     const bool isCutPath =
         library.name.find('/') != std::string::npos &&
         library.lines.front().text.find(" lib" + library.name) != std::string::npos;
+    const std::string near = NearFiles(library, places);
     findings.AddError(library.lines.front().place,
-                      line + "a library that is not found: " +
-                          (tried.empty() ? "no file has such a name" : tried) + " in " +
-                          PlacesText(places) + NearFiles(library, places) +
+                      line + "a library that is not found: " + WhereNotFound(library, places) +
+                          (near.empty() ? "" : "; there is " + near) +
                           (isCutPath ? "; a leading \"lib\" is dropped, also of a folder's name, "
                                        "which \"./\" before it prevents"
                                      : ""),
                       "library-not-found", OtherLines(library));
 }
 
-/// What is wrong with the library's own file, whatever it needs; true when there is anything.
+/// Adds what is wrong with the library's own file, whatever it needs; true when there is anything.
 bool AddWrongFile(const NamedLibrary& library, const LibrarySearch& search, Findings& findings) {
-    const auto add = [&](const std::string& text, const char* kind) {
-        findings.AddError(library.lines.front().place, text, kind, OtherLines(library));
-        return true;
-    };
     if (library.file == nullptr && library.foreign == nullptr) {
         AddNotFound(library, search.Places(), findings);
         return true;
     }
-    if (library.file == nullptr) {
-        return add(Shown(*library.foreign) + " is for " +
-                       NameOf(library.foreign->object->processor) + ", and one for " +
-                       NameOf(*search.Wanted()) + " is wanted",
-                   "other-processor");
-    }
-    if (!library.file->object) {
-        return add(Shown(*library.file) + " " + library.file->whyUnreadable, "no-library");
-    }
-    if (library.file->object->whyNotLoaded.empty()) return false;
-    return add(Shown(*library.file) + " " + library.file->object->whyNotLoaded, "no-library");
+    const std::string wrong = WrongFile(library, search);
+    if (wrong.empty()) return false;
+    findings.AddError(library.lines.front().place, wrong,
+                      library.file == nullptr ? "other-processor" : "no-library",
+                      OtherLines(library));
+    return true;
 }
 
 /// Load problems by their cause: the first library that meets one has the finding, the others stand
@@ -153,18 +114,12 @@ private:
         if (known == _ofPath.end() || known->second != nullptr) return;
         for (const Manifest& manifest : _survey.Manifests()) {
             if (manifest.library.path != file.pathHere) continue;
-            known->second = &_missing.emplace_back(
-                manifest.library,
-                [this, &file](const std::string& symbol) { return DependencyWith(file, symbol); });
+            known->second =
+                &_missing.emplace_back(manifest.library, [this, &file](const std::string& symbol) {
+                    return _survey.Loads().NeededWith(file, symbol);
+                });
             return;
         }
-    }
-
-    const LoaderFile* DependencyWith(const LoaderFile& file, const std::string& symbol) const {
-        for (const LoaderFile* const needed : _survey.Loads().ClosureOf(file).files) {
-            if (needed != &file && needed->object->definitions.contains(symbol)) return needed;
-        }
-        return nullptr;
     }
 
     Survey& _survey;
@@ -186,6 +141,49 @@ void CheckProgram(Survey& survey, const LibrarySearch& search, Findings& finding
 }
 
 }  // namespace
+
+std::vector<Note> OtherLines(const NamedLibrary& library) {
+    std::vector<Note> notes;
+    for (std::size_t i = 1; i < library.lines.size(); ++i) {
+        notes.push_back({library.lines[i].place, "so does \"" + library.lines[i].text + "\""});
+    }
+    return notes;
+}
+
+std::string WrongFile(const NamedLibrary& library, const LibrarySearch& search) {
+    const LoaderFile* const file = library.file;
+    if (file == nullptr) {
+        if (library.foreign == nullptr) return {};
+        return Shown(*library.foreign) + " is for " + NameOf(library.foreign->object->processor) +
+               ", and one for " + NameOf(*search.Wanted()) + " is wanted";
+    }
+    const std::string& why = file->object ? file->object->whyNotLoaded : file->whyUnreadable;
+    return why.empty() ? std::string() : Shown(*file) + " " + why;
+}
+
+std::string WhereNotFound(const NamedLibrary& library, const SearchPlaces& places) {
+    std::string tried;
+    for (const std::string& name : library.tried) {
+        tried.append(tried.empty() ? "" : ", ").append(name);
+    }
+    return (tried.empty() ? "no file has such a name" : tried) + " in " + PlacesText(places);
+}
+
+std::string NearFiles(const NamedLibrary& library, const SearchPlaces& places) {
+    std::vector<std::string> names;
+    for (const auto* folders : {&places.folders, &places.fromEnvironment}) {
+        for (const std::string& folder : *folders) {
+            for (std::string& name : FilesIn(places.image.PathHere(folder))) {
+                names.push_back(std::move(name));
+            }
+        }
+    }
+    std::string text;
+    for (const std::string& name : NearNames("lib" + library.name + ".so", names)) {
+        text.append(text.empty() ? "" : ", ").append(name);
+    }
+    return text;
+}
 
 std::vector<Manifest> ReadManifests(const std::map<std::string, NamedLibrary>& libraries,
                                     Findings& findings) {

@@ -61,6 +61,9 @@ public:
     /// The file of that path. Owned by the search, like all others.
     const LoaderFile& Read(const std::string& path);
 
+    /// The folders that are searched before the system's on behalf of libLYRSysTS.
+    std::vector<std::string> FoldersOfProcess() const { return FoldersFor({}); }
+
     /// The program that asks; null when none is named.
     const LoaderFile* Program() const { return _program; }
 

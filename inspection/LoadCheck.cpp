@@ -100,6 +100,13 @@ const Closure& LoadCheck::ClosureOf(const LoaderFile& library) {
     return _closures.emplace(&library, MakeClosure(library)).first->second;
 }
 
+const LoaderFile* LoadCheck::NeededWith(const LoaderFile& library, const std::string& symbol) {
+    for (const LoaderFile* const needed : ClosureOf(library).files) {
+        if (needed != &library && needed->object->definitions.contains(symbol)) return needed;
+    }
+    return nullptr;
+}
+
 Closure LoadCheck::MakeClosure(const LoaderFile& start) {
     Closure closure;
     closure.files.push_back(&start);

@@ -52,6 +52,9 @@ public:
 
     const Closure& ClosureOf(const LoaderFile& library);
 
+    /// What the library needs and has a function of that name; null for none.
+    const LoaderFile* NeededWith(const LoaderFile& library, const std::string& symbol);
+
     /// The library that a process has before it loads any, by a name under which it is asked for.
     /// Null for none.
     const LoaderFile* LoadedAtStart(std::string_view name) const;

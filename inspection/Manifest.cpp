@@ -35,10 +35,10 @@ public:
             return false;
         }
         const std::string& kind = fields[1];
-        if (kind == "class") return fields.size() == 5 && TakeClass(fields[2], fields[3], false);
+        if (kind == "class") return fields.size() == 5 && TakeClass(fields);
         if (kind == "creatable") return fields.size() == 3 && TakeCreatable(fields[2]);
         if (kind == "interface") return fields.size() == 5 && TakeInterface(fields, fields[2], {});
-        if (kind == "extension") return fields.size() == 4 && TakeClass(fields[2], "-", true);
+        if (kind == "extension") return fields.size() == 4 && TakeExtension(fields[2]);
         return kind == "extends" && fields.size() == 6 &&
                TakeInterface({fields.begin() + 1, fields.end()}, fields[3], fields[2]);
     }
@@ -55,10 +55,17 @@ public:
     }
 
 private:
-    bool TakeClass(const std::string& name, const std::string& clsid, bool isExtension) {
-        const std::string id = CanonicalId(clsid);
-        if (id.empty() && clsid != "-") return false;
-        _manifest.classes.push_back({name, id, isExtension, _place});
+    /// Name, id and base are the last three fields.
+    bool TakeClass(const std::vector<std::string>& fields) {
+        const std::string id = CanonicalId(fields[3]);
+        if (id.empty() && fields[3] != "-") return false;
+        const std::string& base = fields[4] != "-" ? fields[4] : kBaseOfAll;
+        _manifest.classes.push_back({fields[2], id, base, false, _place});
+        return true;
+    }
+
+    bool TakeExtension(const std::string& name) {
+        _manifest.classes.push_back({name, "", "", true, _place});
         return true;
     }
 

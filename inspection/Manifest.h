@@ -14,6 +14,8 @@ struct DeclaredClass {
     std::string name;
     /// In capitals and braces; empty for a class without one.
     std::string clsid;
+    /// The class that it derives from; empty for an extension.
+    std::string base;
     bool isExtension = false;
     Place place;
 };
@@ -27,6 +29,9 @@ struct Manifest {
     /// What its records make the dictionary files say. Their place is the library's file.
     DictionaryLines lines;
 };
+
+/// The class from which a component derives that names no other.
+inline const std::string kBaseOfAll = "LYRSysTSBaseUnknown";
 
 /// The name of the function by which LYRSysTSCreateInstance has a library make objects by class id.
 inline constexpr const char* kClassObjectFunction = "LYRSysTSDllGetClassObject";

@@ -1,7 +1,7 @@
 #include "inspection/RecordCheck.h"
 
 #include "inspection/Contradictions.h"
-#include "inspection/LibraryNames.h"
+#include "inspection/Declarations.h"
 
 #include <algorithm>
 #include <set>
@@ -13,48 +13,15 @@ namespace lyr::inspection {
 
 namespace {
 
-/// What records say of extensions.
-struct Declared {
-    /// Classes and extensions, each with its library.
-    std::unordered_map<std::string, const Manifest*> classes;
-    std::set<std::string> extensions;
-    /// An extension and a class that it lists.
-    std::set<std::pair<std::string, std::string>> extends;
-};
-
-Declared Collect(const std::vector<Manifest>& manifests) {
-    Declared declared;
-    for (const Manifest& manifest : manifests) {
-        for (const DeclaredClass& one : manifest.classes) {
-            declared.classes.try_emplace(one.name, &manifest);
-            if (one.isExtension) declared.extensions.insert(one.name);
-        }
-        for (const PairLine& line : manifest.lines.pairs) {
-            if (!line.extension.empty()) declared.extends.emplace(line.extension, line.className);
-        }
-    }
-    return declared;
-}
-
-std::string WhyNoAnswer(const PairLine& line, const Declared& declared) {
-    if (!declared.classes.contains(line.extension)) return {};
-    if (!declared.extensions.contains(line.extension)) {
-        return line.extension + " is a class and no extension, so it never answers for " +
-               line.className + "; take EXTENDED_BY out, or make it an extension";
-    }
-    if (declared.extends.contains({line.extension, line.className})) return {};
-    return "the extension " + line.extension + " does not extend " + line.className +
-           ", so it never answers for it; name the class in its source, or take the line out";
-}
-
-void CheckExtensions(const Declared& declared, const DictionaryLines& lines, Findings& findings) {
+void CheckExtensions(const Declarations& declared, const DictionaryLines& lines,
+                     Findings& findings) {
     for (const PairLine& line : lines.pairs) {
         if (line.extension.empty()) continue;
-        const std::string text = WhyNoAnswer(line, declared);
+        const std::string text = declared.WhyNotExtended(line);
         if (text.empty()) continue;
-        const std::string& library = declared.classes.at(line.extension)->library.path;
-        findings.AddError(line.place, text, "extension",
-                          {{{library}, "its records say what it extends"}});
+        findings.AddError(
+            line.place, text, "extension",
+            {{declared.Find(line.extension)->place, "its records say what it extends"}});
     }
 }
 
@@ -97,7 +64,7 @@ void RemarkOnLeaves(const DictionaryLines& lines, Findings& findings) {
 void CheckRecords(const std::vector<Manifest>& manifests, const DictionaryLines& lines,
                   Findings& findings) {
     CheckDeclaredClasses(manifests, findings);
-    CheckExtensions(Collect(manifests), lines, findings);
+    CheckExtensions(Declarations(manifests), lines, findings);
     CheckIds(manifests, lines, findings);
     RemarkOnLeaves(lines, findings);
 }

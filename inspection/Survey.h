@@ -47,6 +47,7 @@ public:
     Findings& Found() { return _findings; }
 
     LoadCheck& Loads() { return *_loads; }
+    const LibrarySearch& Search() const { return *_search; }
 
 private:
     void ReadFiles(const std::vector<std::string>& folders);

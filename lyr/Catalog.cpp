@@ -14,12 +14,6 @@ std::string FileText(const inspection::NamedLibrary& library) {
     return "no file is found";
 }
 
-/// The id in capitals and braces, however it is written; empty for what is none.
-std::string IdOf(std::string text) {
-    if (!text.starts_with("{")) text = "{" + text + "}";
-    return inspection::CanonicalId(text);
-}
-
 void AddFact(Entry& entry, const std::string& fact) {
     const bool isKnown =
         std::find(entry.facts.begin(), entry.facts.end(), fact) != entry.facts.end();
@@ -72,7 +66,7 @@ std::vector<const Entry*> Catalog::OfKind(const std::string& kind) const {
 }
 
 std::vector<const Entry*> Catalog::Find(const std::string& nameOrId) const {
-    const std::string id = IdOf(nameOrId);
+    const std::string id = inspection::IdFromUser(nameOrId);
     const std::string library = "lib" + std::string(inspection::WithoutLib(nameOrId));
     std::vector<const Entry*> found;
     for (const auto& [kind, entries] : _entries) {

@@ -65,4 +65,34 @@ std::string JsonOf(const std::vector<const Entry*>& entries) {
     return TextOf(json);
 }
 
+std::string JsonOf(const inspection::RequestRoad& road, const std::string& loaded) {
+    Json json = {{"format", 1},
+                 {"class", road.className},
+                 {"interface", road.interfaceName},
+                 {"id", road.iid},
+                 {"answer", WordFor(road.verdict)},
+                 {"cause", road.cause},
+                 {"remedy", road.remedy},
+                 {"steps", Json::array()}};
+    for (const inspection::RoadStep& step : road.steps) {
+        Json one = {{"about", step.about}, {"text", step.text}};
+        if (!step.place.file.empty()) one.update(JsonOf(step.place));
+        json["steps"].push_back(std::move(one));
+    }
+    if (!loaded.empty()) json["loaded"] = loaded;
+    return TextOf(json);
+}
+
+const char* WordFor(inspection::Verdict verdict) {
+    switch (verdict) {
+        case inspection::Verdict::Yes:
+            return "yes";
+        case inspection::Verdict::No:
+            return "no";
+        case inspection::Verdict::Unknown:
+            break;
+    }
+    return "unknown";
+}
+
 }  // namespace lyr::program

@@ -36,8 +36,12 @@ void SurveyOptions::AddTo(CLI::App& command) {
                        "The root of another image, in which all absolute paths lie");
 }
 
+std::string SurveyOptions::DictionaryPath() const {
+    return dictionaries.empty() ? Variable("LYRDictionaryPath") : dictionaries;
+}
+
 inspection::Survey SurveyOptions::Look() const {
-    const std::string path = dictionaries.empty() ? Variable("LYRDictionaryPath") : dictionaries;
+    const std::string path = DictionaryPath();
     if (path.empty()) {
         throw CLI::ValidationError("--dictionaries",
                                    "is missing, and LYRDictionaryPath names no folder either");

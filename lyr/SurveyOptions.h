@@ -17,6 +17,9 @@ struct SurveyOptions {
     /// Adds the options to the command; this object outlives it.
     void AddTo(CLI::App& command);
 
+    /// The folders of dictionaries, from the option or else the environment.
+    std::string DictionaryPath() const;
+
     /// Looks at all of it. Throws CLI::ValidationError when no dictionaries are named.
     inspection::Survey Look() const;
 };

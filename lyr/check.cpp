@@ -1,15 +1,14 @@
 // lyr check: what would fail or surprise in folders of dictionaries and the libraries that they
 // lead to.
 
-#include "lyr/Commands.h"
 #include "lyr/Json.h"
+#include "lyr/LoadTrials.h"
 #include "lyr/Selection.h"
-#include "lyr/SurveyOptions.h"
+#include "lyr/SurveyCommand.h"
 
 #include <algorithm>
 #include <cstdio>
 #include <limits>
-#include <memory>
 #include <set>
 #include <string>
 
@@ -22,6 +21,7 @@ using inspection::Severity;
 
 struct Arguments {
     SurveyOptions places;
+    LoadOptions load;
     Selection selection;
     std::string baselineToWrite;
     bool isStrict = false;
@@ -48,6 +48,7 @@ std::string Summary(const Findings& findings, const inspection::Survey& survey) 
 
 Status Run(const Arguments& arguments) {
     inspection::Survey survey = arguments.places.Look();
+    if (arguments.load.isWanted) TryLibraries(arguments.places, arguments.load, survey);
     Findings& findings = survey.Found();
     arguments.selection.Apply(findings);
     if (!arguments.baselineToWrite.empty()) WriteBaseline(arguments.baselineToWrite, findings);
@@ -66,12 +67,18 @@ Status Run(const Arguments& arguments) {
 }  // namespace
 
 void AddCheck(CLI::App& program, Status& status) {
-    CLI::App* const command = program.add_subcommand(
-        "check",
-        "Says what would fail or surprise in folders of dictionary files and the libraries that "
-        "they lead to, without loading any. The status is 0 without errors and 1 with them.");
-    const auto arguments = std::make_shared<Arguments>();
-    arguments->places.AddTo(*command);
+    const auto [command, arguments] = AddSurveyCommand(
+        program,
+        {"check",
+         "Says what would fail or surprise in folders of dictionary files and the libraries that "
+         "they lead to, without loading any unless --load says so. The status is 0 without errors "
+         "and 1 with them.",
+         "Examples:\n"
+         "  lyr check -d app/dictionary -l build/lib -p build/bin/app\n"
+         "  lyr check -d app/dictionary --load --load-timeout 3\n"
+         "  LYRDictionaryPath=dictionary lyr check --strict --ignore no-id:'*/old/*'"},
+        status, Run);
+    arguments->load.AddTo(*command);
     command->add_flag("--strict", arguments->isStrict, "Warnings, too, make the status 1");
     command->add_flag("--all", arguments->showsAll,
                       "All lines that a cause hits, and not three of them");
@@ -85,11 +92,6 @@ void AddCheck(CLI::App& program, Status& status) {
     command->add_option("--write-baseline", arguments->baselineToWrite,
                         "Writes such a file of what is found");
     command->add_flag("--json", arguments->isJson, "Writes JSON");
-    command->footer(
-        "Examples:\n"
-        "  lyr check -d app/dictionary -l build/lib -p build/bin/app\n"
-        "  LYRDictionaryPath=dictionary lyr check --strict --ignore no-id:'*/old/*'");
-    command->final_callback([=, &status] { status = Run(*arguments); });
 }
 
 }  // namespace lyr::program

@@ -1,11 +1,9 @@
 // lyr graph: what belongs to what, for programs that draw.
 
 #include "inspection/LibraryNames.h"
-#include "lyr/Commands.h"
-#include "lyr/SurveyOptions.h"
+#include "lyr/SurveyCommand.h"
 
 #include <cstdio>
-#include <memory>
 #include <set>
 #include <string>
 #include <string_view>
@@ -90,28 +88,29 @@ void PrintLibraries(Survey& survey) {
     graph.Print("libraries");
 }
 
+Status Run(const Arguments& arguments) {
+    Survey survey = arguments.places.Look();
+    if (arguments.wanted == "classes") {
+        PrintClasses(survey);
+    } else {
+        PrintLibraries(survey);
+    }
+    return kGood;
+}
+
 }  // namespace
 
 void AddGraph(CLI::App& program, Status& status) {
-    CLI::App* const command = program.add_subcommand(
-        "graph",
-        "Writes a graph for dot: of the classes with their extensions and libraries, or of the "
-        "libraries with what they need.");
-    const auto arguments = std::make_shared<Arguments>();
-    arguments->places.AddTo(*command);
+    const auto [command, arguments] = AddSurveyCommand(
+        program,
+        {"graph",
+         "Writes a graph for dot: of the classes with their extensions and libraries, or of the "
+         "libraries with what they need.",
+         "Examples:\n  lyr graph libraries -d app/dictionary -l build/lib | dot -Tsvg"},
+        status, Run);
     command->add_option("GRAPH", arguments->wanted, "classes or libraries")
         ->check(CLI::IsMember({"classes", "libraries"}))
         ->capture_default_str();
-    command->footer("Examples:\n  lyr graph libraries -d app/dictionary -l build/lib | dot -Tsvg");
-    command->final_callback([=, &status] {
-        Survey survey = arguments->places.Look();
-        if (arguments->wanted == "classes") {
-            PrintClasses(survey);
-        } else {
-            PrintLibraries(survey);
-        }
-        status = kGood;
-    });
 }
 
 }  // namespace lyr::program

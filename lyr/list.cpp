@@ -1,12 +1,10 @@
 // lyr list and lyr show: what folders of dictionaries speak of, and where.
 
 #include "lyr/Catalog.h"
-#include "lyr/Commands.h"
 #include "lyr/Json.h"
-#include "lyr/SurveyOptions.h"
+#include "lyr/SurveyCommand.h"
 
 #include <cstdio>
-#include <memory>
 #include <set>
 #include <string>
 #include <utility>
@@ -87,42 +85,38 @@ Status Show(const Arguments& arguments) {
     return kErrors;
 }
 
-CLI::App* AddCommand(CLI::App& program, const char* name, const char* text,
-                     const std::shared_ptr<Arguments>& arguments) {
-    CLI::App* const command = program.add_subcommand(name, text);
-    arguments->places.AddTo(*command);
-    command->add_flag("--json", arguments->isJson, "Writes JSON");
-    return command;
+void AddJson(CLI::App& command, Arguments& arguments) {
+    command.add_flag("--json", arguments.isJson, "Writes JSON");
 }
 
 }  // namespace
 
 void AddList(CLI::App& program, Status& status) {
-    const auto arguments = std::make_shared<Arguments>();
-    CLI::App* const command = AddCommand(
-        program, "list",
-        "Lists what folders of dictionary files speak of: a line each with its name, its ids or "
-        "its file, and where it is met first. Lines that a process does not take are left out.",
-        arguments);
+    const auto [command, arguments] = AddSurveyCommand(
+        program,
+        {"list",
+         "Lists what folders of dictionary files speak of: a line each with its name, its ids or "
+         "its file, and where it is met first. Lines that a process does not take are left out.",
+         "Examples:\n  lyr list classes -d app/dictionary"},
+        status, List);
+    AddJson(*command, *arguments);
     std::set<std::string> words;
     for (const auto& [word, kind] : kKinds) words.insert(word);
     command->add_option("KIND", arguments->wanted, "All kinds, unless one is named")
         ->check(CLI::IsMember(words));
-    command->footer("Examples:\n  lyr list classes -d app/dictionary");
-    command->final_callback([=, &status] { status = List(*arguments); });
 }
 
 void AddShow(CLI::App& program, Status& status) {
-    const auto arguments = std::make_shared<Arguments>();
-    CLI::App* const command = AddCommand(
-        program, "show",
-        "Shows what is known of a class, an interface, an extension, a library or an id, with the "
-        "lines that name it. The status is 1 when nothing has the name.",
-        arguments);
+    const auto [command, arguments] = AddSurveyCommand(
+        program,
+        {"show",
+         "Shows what is known of a class, an interface, an extension, a library or an id, with the "
+         "lines that name it. The status is 1 when nothing has the name.",
+         "Examples:\n  lyr show Circle -d app/dictionary -l build/lib"},
+        status, Show);
+    AddJson(*command, *arguments);
     command->add_option("NAME", arguments->wanted, "A name, or an id with or without braces")
         ->required();
-    command->footer("Examples:\n  lyr show Circle -d app/dictionary -l build/lib");
-    command->final_callback([=, &status] { status = Show(*arguments); });
 }
 
 }  // namespace lyr::program

@@ -14,16 +14,17 @@ std::string Version() {
 
 int Run(int count, char** words) {
     auto status = lyr::program::kGood;
-    CLI::App program("Looks at component libraries and dictionary files, without loading them.",
-                     "lyr");
+    CLI::App program("Looks at component libraries and dictionary files.", "lyr");
     program.set_version_flag("--version", Version());
     program.require_subcommand(1);
     lyr::program::AddCheck(program, status);
     lyr::program::AddList(program, status);
     lyr::program::AddShow(program, status);
+    lyr::program::AddExplain(program, status);
     lyr::program::AddWhy(program, status);
     lyr::program::AddGraph(program, status);
     lyr::program::AddManifest(program, status);
+    lyr::program::AddTrial(program);
     try {
         program.parse(count, words);
     } catch (const CLI::ParseError& error) {

@@ -1,13 +1,11 @@
 // lyr why: which lines and which libraries lead to the load of a library.
 
 #include "inspection/LibraryNames.h"
-#include "lyr/Commands.h"
-#include "lyr/SurveyOptions.h"
+#include "lyr/SurveyCommand.h"
 
 #include <algorithm>
 #include <cstdio>
 #include <deque>
-#include <memory>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -117,19 +115,18 @@ Status Run(const Arguments& arguments) {
 }  // namespace
 
 void AddWhy(CLI::App& program, Status& status) {
-    CLI::App* const command = program.add_subcommand(
-        "why",
-        "Says which line and which libraries lead to the load of a library: the shortest chain. "
-        "The status is 1 when there is none.");
-    const auto arguments = std::make_shared<Arguments>();
-    arguments->places.AddTo(*command);
+    const auto [command, arguments] = AddSurveyCommand(
+        program,
+        {"why",
+         "Says which line and which libraries lead to the load of a library: the shortest chain. "
+         "The status is 1 when there is none.",
+         "Examples:\n  lyr why libz.so.1 -d app/dictionary -l build/lib"},
+        status, Run);
     command
         ->add_option("LIBRARY", arguments->library,
                      "As dictionaries name it, or the name of a file")
         ->required();
     command->add_flag("--all", arguments->wantsAll, "All chains and lines");
-    command->footer("Examples:\n  lyr why libz.so.1 -d app/dictionary -l build/lib");
-    command->final_callback([=, &status] { status = Run(*arguments); });
 }
 
 }  // namespace lyr::program
