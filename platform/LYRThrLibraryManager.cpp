@@ -2,6 +2,7 @@
 
 #include "Folders.h"
 #include "LYRThrLoadListener.h"
+#include "LYRThrTimeListener.h"
 #include "LibraryFiles.h"
 #include "LoadedLibraries.h"
 #include "Loads.h"
@@ -135,6 +136,21 @@ bool IsDefinedBy(void* handle, const void* address) {
            ::dladdr1(address, &info, &owner, RTLD_DL_LINKMAP) != 0 && owner == library;
 }
 
+/// The file that is loaded under the handle, with its path.
+const char* FileOf(void* handle) {
+    link_map* library = nullptr;
+    return ::dlinfo(handle, RTLD_DI_LINKMAP, &library) == 0 ? library->l_name : "";
+}
+
+/// Tells whoever listens of a load that is over.
+void TellOfLoad(const char* name, void* handle, const Failure& failure,
+                LYRThrLoadListener* listener, LYRThrTimeListener::Clock::time_point begin) {
+    LYRThrTimeListener* const timed = LYRThrTimeListener::Current();
+    if (timed == nullptr || (listener != nullptr && !listener->MayLoad())) return;
+    const char* const file = handle != nullptr ? FileOf(handle) : nullptr;
+    timed->AfterLoad(name, file, handle != nullptr ? nullptr : failure.Text(), listener, begin);
+}
+
 }  // namespace
 
 void* LYRThrLibraryManager::LoadLibrary(const char* name) {
@@ -150,6 +166,7 @@ void* LYRThrLibraryManager::TryLoadLibrary(const char* name, bool& mayPass,
             lyr::internal::LoadedLibraries::Find(name)) {
         return known->handle;
     }
+    const auto begin = LYRThrTimeListener::Clock::now();
     const lyr::internal::Loads::Running running;
     Failure failure;
     void* handle = OpenFirst(lyr::internal::LibraryFiles(name), failure, listener);
@@ -158,6 +175,7 @@ void* LYRThrLibraryManager::TryLoadLibrary(const char* name, bool& mayPass,
          folder = folder->next.load(std::memory_order_acquire)) {
         handle = OpenFirst(lyr::internal::LibraryFiles(name, folder->path), failure, listener);
     }
+    TellOfLoad(name, handle, failure, listener, begin);
     if (handle != nullptr) {
         lyr::internal::LoadedLibraries::Keep(name, handle);
         return handle;
