@@ -39,8 +39,8 @@ public:
     Trace Read() {
         if (!NextLine() || _text != "[") RefuseAsForeign();
         while (NextLine()) Take();
-        if (_isOurs) return std::move(_trace);
-        RefuseAsForeign();
+        if (!_isNamed || (_isForeign && _trace.slices.empty())) RefuseAsForeign();
+        return std::move(_trace);
     }
 
 private:
@@ -79,27 +79,36 @@ private:
     static Slice::Thread ThreadOf(const Json& event) { return {event.at("pid"), event.at("tid")}; }
 
     /// Times are in microseconds, with the nanoseconds behind the point.
-    static std::int64_t NanosecondsOf(const Json& microseconds) {
-        return std::llround(microseconds.get<double>() * 1000);
+    std::int64_t NanosecondsOf(const Json& microseconds) const {
+        const double number = microseconds.get<double>();
+        if (!(std::abs(number) < 4e15)) Refuse("no time is that long");
+        return std::llround(number * 1000);
     }
 
     void TakeName(const Json& event) {
         const std::string what = event.at("name");
+        if (what != "process_name" && what != "thread_name") return;
         const std::string name = event.at("args").at("name");
-        if (what == "process_name" && _trace.process.empty()) _trace.process = name;
-        if (what == "thread_name") _trace.threads[ThreadOf(event)] = name;
-        // The first line of ours.
-        if (what == "process_name") _isOurs = true;
+        if (what == "thread_name") {
+            _trace.threads[ThreadOf(event)] = name;
+            return;
+        }
+        _trace.process = name;
+        _isNamed = true;
     }
 
     void TakeSlice(const Json& event) {
         const auto kind = KindOf(event.at("cat"));
-        if (!kind) return;
+        if (!kind) {
+            _isForeign = true;
+            return;
+        }
         const std::int64_t begin = NanosecondsOf(event.at("ts"));
         const std::int64_t length = NanosecondsOf(event.at("dur"));
         if (length < 0) Refuse("the event ends before it begins");
-        Slice slice{*kind, event.at("name"), ThreadOf(event), begin, begin + length, _line, {}, {}};
-        slice.parent = Slice::kNone;
+        Slice slice{
+            *kind, event.at("name"), ThreadOf(event), begin, begin + length, _line, Slice::kNone,
+            {}};
         for (const auto& [key, value] : event.at("args").items()) {
             if (value.is_string()) slice.texts[key] = value;
         }
@@ -111,7 +120,8 @@ private:
     std::string _text;
     int _line = 0;
     Trace _trace;
-    bool _isOurs = false;
+    bool _isNamed = false;    // as each of ours is, in its first event
+    bool _isForeign = false;  // some events are not ours
 };
 
 /// Puts each slice before those inside it, and tells each which one it is in.

@@ -112,13 +112,14 @@ TEST(Timeline, SaysWhatIsBroken) {
                    "ELF"),
               foreign);
     EXPECT_EQ(said("[\n"), foreign);
-    EXPECT_EQ(said("[\n{\"ph\":\"X\",\"cat\":\"v8\"}\n]"), foreign);
+    EXPECT_EQ(said(TraceOf({R"({"ph":"X","cat":"v8"})"})), foreign);
     EXPECT_EQ(said(TraceOf({"{\"name\"", Load("A", 7, 1, 2)})),
               "t.json:3: error: this is no event of a trace\n");
     EXPECT_EQ(said(TraceOf({"12", Load("A", 7, 1, 2)})),
               "t.json:3: error: this is no event of a trace\n");
     EXPECT_EQ(said(TraceOf({Load("A", 7, 1, -2)})),
               "t.json:3: error: the event ends before it begins\n");
+    EXPECT_EQ(said(TraceOf({Load("A", 7, 1e18, 2)})), "t.json:3: error: no time is that long\n");
     EXPECT_EQ(said(TraceOf({Load("A", 7, 10, 10), Load("B", 7, 15, 10)})),
               "t.json:4: error: the event goes on after the one around it\n");
     const std::string lacking = said(TraceOf({R"({"ph":"X","cat":"lyr.load","ts":1,"dur":"2"})"}));
