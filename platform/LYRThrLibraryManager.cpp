@@ -8,6 +8,7 @@
 #include "Loads.h"
 
 #include <cerrno>
+#include <climits>
 #include <cstdio>
 #include <cstring>
 #include <dlfcn.h>
@@ -136,19 +137,41 @@ bool IsDefinedBy(void* handle, const void* address) {
            ::dladdr1(address, &info, &owner, RTLD_DL_LINKMAP) != 0 && owner == library;
 }
 
-/// The file that is loaded under the handle, with its path.
-const char* FileOf(void* handle) {
-    link_map* library = nullptr;
-    return ::dlinfo(handle, RTLD_DI_LINKMAP, &library) == 0 ? library->l_name : "";
-}
+/// The file that is loaded under a handle, with its path, cut off where that is too long.
+struct LoadedFile {
+    char path[PATH_MAX];
+
+    explicit LoadedFile(void* handle) {
+        link_map* library = nullptr;
+        const bool isKnown = ::dlinfo(handle, RTLD_DI_LINKMAP, &library) == 0;
+        Copy(isKnown ? library : nullptr);
+    }
+
+private:
+    /// By hand: whoever has a handle comes after what the loader has written here, by its lock, of
+    /// which the thread sanitizer does not know.
+    [[gnu::noinline]] __attribute__((no_sanitize("thread"))) void Copy(const link_map* library) {
+        std::size_t length = 0;
+        if (library != nullptr) {
+            const char* const name = library->l_name;
+            for (; name[length] != '\0' && length + 1 < sizeof path; ++length) {
+                path[length] = name[length];
+            }
+        }
+        path[length] = '\0';
+    }
+};
 
 /// Tells whoever listens of a load that is over.
 void TellOfLoad(const char* name, void* handle, const Failure& failure,
                 LYRThrLoadListener* listener, LYRThrTimeListener::Clock::time_point begin) {
     LYRThrTimeListener* const timed = LYRThrTimeListener::Current();
     if (timed == nullptr || (listener != nullptr && !listener->MayLoad())) return;
-    const char* const file = handle != nullptr ? FileOf(handle) : nullptr;
-    timed->AfterLoad(name, file, handle != nullptr ? nullptr : failure.Text(), listener, begin);
+    if (handle != nullptr) {
+        timed->AfterLoad(name, LoadedFile(handle).path, nullptr, listener, begin);
+    } else {
+        timed->AfterLoad(name, nullptr, failure.Text(), listener, begin);
+    }
 }
 
 }  // namespace
