@@ -66,14 +66,14 @@ TraceEvent TraceEvent::Slice(const std::string& name, const char* category, Cloc
                              Clock::time_point end) {
     TraceEvent event(Quoted(name));
     event._text += ",\"cat\":" + Quoted(category);
-    event._text += ",\"ph\":\"X\",\"ts\":" + InMicroseconds(begin.time_since_epoch());
+    event._text += R"(,"ph":"X","ts":)" + InMicroseconds(begin.time_since_epoch());
     event._text += ",\"dur\":" + InMicroseconds(end - begin) + ProcessAndThread();
     return event;
 }
 
 TraceEvent TraceEvent::Name(const char* what, const char* name) {
     TraceEvent event(Quoted(what));
-    event._text += ",\"ph\":\"M\"" + ProcessAndThread();
+    event._text += R"(,"ph":"M")" + ProcessAndThread();
     return event.Add("name", name);
 }
 

@@ -27,8 +27,8 @@ struct Slice {
     std::map<std::string, std::string> texts;  ///< the arguments that are texts, by name
 
     std::int64_t Length() const { return end - begin; }
-    /// The argument of that name, or "".
-    const std::string& Text(const char* name) const;
+    /// Its text, or "".
+    const std::string& Text(const char* argument) const;
 };
 
 /// A file cannot be read or is not what it should be; the text is a whole message for people.

@@ -113,6 +113,7 @@ std::vector<TraceSummary::Load> LoadsOf(const Trace& trace, std::int64_t start) 
         load.self += selfs[static_cast<std::size_t>(slice - trace.slices.data())];
     }
     std::vector<TraceSummary::Load> sorted;
+    sorted.reserve(byLibrary.size());
     for (auto& [key, load] : byLibrary) sorted.push_back(std::move(load));
     std::stable_sort(sorted.begin(), sorted.end(),
                      [](const auto& a, const auto& b) { return a.self > b.self; });
