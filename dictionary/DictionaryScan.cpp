@@ -12,6 +12,7 @@
 #include "support/Text.h"
 
 #include <cerrno>
+#include <chrono>
 #include <climits>
 #include <cstdint>
 #include <cstdlib>
@@ -63,25 +64,28 @@ private:
     int _count;
 };
 
-/// Tells the listener of each line, before its reader has it.
+/// Tells the listener of each line, before its reader has it, and notes how far it comes.
 class HeardReader final : public LYRSysTSDictionaryReader {
 public:
-    HeardReader(LYRSysTSDictionaryReader& reader, Listener& listener)
-        : _reader(reader), _listener(listener) {}
+    HeardReader(LYRSysTSDictionaryReader& reader, Listener& listener, FileReading& reading)
+        : _reader(reader), _listener(listener), _reading(reading) {}
 
     HRESULT PutInfo(char** words, int count, const char* path, int lineNumber) override {
         _listener.BeforeLine(path, lineNumber, words, count);
         const HRESULT result = _reader.PutInfo(words, count, path, lineNumber);
         _listener.AfterLine();
+        ++_reading.lines;
+        if (result < 0) _reading.badLine = lineNumber;
         return result;
     }
 
 private:
     LYRSysTSDictionaryReader& _reader;
     Listener& _listener;
+    FileReading& _reading;
 };
 
-void ScanFile(const std::string& path) {
+void ScanFile(const std::string& path, Listener* listener) {
     LYRSysTSDicReader dicReader;
     LYRSysTSIidReader iidReader;
     LYRSysTSClsidReader clsidReader;
@@ -89,21 +93,23 @@ void ScanFile(const std::string& path) {
     const int kind = LYRSysTSDictionary::_SelectionByExt(path.c_str());
     // A file that cannot be opened and a bad line have said why; the scan goes on with the next
     // file.
-    Listener* const listener = CurrentListener();
     if (listener == nullptr) {
         static_cast<void>(LYRSysTSDictionary::_ReadDictionary(path.c_str(), readers[kind]));
         return;
     }
-    HeardReader heard(*readers[kind], *listener);
-    static_cast<void>(LYRSysTSDictionary::_ReadDictionary(path.c_str(), &heard));
+    FileReading reading{path.c_str(), std::chrono::steady_clock::now()};
+    HeardReader heard(*readers[kind], *listener, reading);
+    reading.isWhole = LYRSysTSDictionary::_ReadDictionary(path.c_str(), &heard) == S_OK;
+    listener->AfterFile(reading);
 }
 
-void ScanDirectory(const std::string& directory) LYR_REQUIRES(GetGlobalDicoMutex()) {
+void ScanDirectory(const std::string& directory, Listener* listener)
+    LYR_REQUIRES(GetGlobalDicoMutex()) {
     const Listing listing(directory.c_str());
     for (const dirent* entry : listing) {
         // Noted before it is opened: a file that cannot be read hides those of later directories.
         if (!IsFirstOfItsName(entry->d_name)) continue;
-        ScanFile(directory + "/" + entry->d_name);
+        ScanFile(directory + "/" + entry->d_name, listener);
     }
 }
 
@@ -153,19 +159,23 @@ bool IsListed(const char* path) LYR_REQUIRES(GetGlobalDicoMutex()) {
 
 /// Reads all dictionary files. False when something was short on the way: what is registered stays,
 /// and a line may be missing.
-bool Scan() LYR_REQUIRES(GetGlobalDicoMutex()) {
+bool Scan(Listener* listener) LYR_REQUIRES(GetGlobalDicoMutex()) {
+    const auto begin = std::chrono::steady_clock::now();
     const unsigned before = shortages;
-    RefuseOnShortage(false, []() LYR_REQUIRES(GetGlobalDicoMutex()) {
+    RefuseOnShortage(false, [=]() LYR_REQUIRES(GetGlobalDicoMutex()) {
         const MetNames metNames;
-        for (const std::string& folder : DictionaryFolders()) ScanDirectory(folder);
+        for (const std::string& folder : DictionaryFolders()) ScanDirectory(folder, listener);
         return true;
     });
+    if (listener != nullptr) listener->AfterScan(begin);
     return shortages == before;
 }
 
 /// EnsureDictionaryFilesAreRead, with what it has to say in `messages`.
 bool EnsureInSilence(std::vector<Message>& messages) {
     if (DictionaryInitialized) return true;
+    // Asked for here, as the first who asks may have words said.
+    Listener* const listener = CurrentListener();
     const MutexGuard guard(*GetGlobalDicoMutex());
     if (DictionaryInitialized) return true;
     // A set of names means that this very thread is scanning: a reader asks for more.
@@ -176,7 +186,7 @@ bool EnsureInSilence(std::vector<Message>& messages) {
         Say("Error in reading dictionaries : LYRDictionaryPath is not defined.\n");
         return true;
     }
-    if (!Scan()) return false;
+    if (!Scan(listener)) return false;
     DictionaryInitialized.exchange(true);
     return true;
 }

@@ -16,7 +16,8 @@ bool TakePrefix(std::string& text, const std::string& prefix) {
 bool TakePattern(std::string word, std::vector<DebugWords::Pattern>& patterns) {
     const bool leavesOut = TakePrefix(word, "-");
     const std::size_t slash = word.find('/');
-    if (slash == std::string::npos) return false;
+    // A word of another kind, misspelt, with a path behind it.
+    if (slash == std::string::npos || word.find('=') < slash) return false;
     patterns.push_back({word.substr(0, slash), word.substr(slash + 1), leavesOut});
     return true;
 }
@@ -30,6 +31,10 @@ void Take(std::string word, DebugWords& words) {
     const std::string whole = word;
     if (TakePrefix(word, "explain-file=") && !word.empty()) {
         words.file = word;
+        return;
+    }
+    if (TakePrefix(word, "timeline=") && !word.empty()) {
+        words.timeline = word;
         return;
     }
     if (word == "explain") {
@@ -89,6 +94,9 @@ const char* DebugWords::Help() {
            "  explain-file=PATH          write to that file, with the process id behind its name "
            "for\n"
            "                             each process after the first\n"
+           "  timeline=PATH              write what happens when to that file, for trace viewers "
+           "and\n"
+           "                             \"lyr timeline\"; with the process id as above\n"
            "  help                       these lines\n";
 }
 

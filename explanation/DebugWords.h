@@ -18,7 +18,8 @@ struct DebugWords {
     bool all = false;
     bool help = false;
     std::vector<Pattern> patterns;
-    std::string file;  ///< where to write; empty for standard error
+    std::string file;      ///< where to write; empty for standard error
+    std::string timeline;  ///< where to write what happens when; empty for nowhere
     std::vector<std::string> unknown;
 
     /// Reads words that stand between commas or semicolons. Throws std::bad_alloc.

@@ -1,4 +1,6 @@
 #include "explanation/Reporter.h"
+#include "explanation/Timeline.h"
+#include "support/Listener.h"
 #include "support/Notes.h"
 
 #include <algorithm>
@@ -13,10 +15,63 @@ namespace internal {
 
 namespace {
 
-/// Who listens: nobody has looked yet, or nobody, or somebody.
-enum class Ear : std::uint8_t { kUnknown, kNone, kReporter };
+/// Who listens: nobody, the reporter, the timeline, or both. Before anybody has looked that is
+/// unknown.
+enum Ears : unsigned { kNone = 0, kReporter = 1, kTimeline = 2, kUnknown = 4 };
 
-constinit std::atomic<Ear> ear = Ear::kUnknown;
+constinit std::atomic<unsigned> ears = kUnknown;
+
+bool Hears(Ears one) {
+    return (ears.load(std::memory_order_acquire) & one) != 0;
+}
+
+/// Gives what there is to hear to those who listen now. The timeline first: it looks at the clock,
+/// and the reporter takes the notes away.
+class Audience final : public Listener {
+public:
+    void AfterSearch(const LYRSysTSMetaClass& asked, const GUID& iid, Notes& notes,
+                     bool isFound) noexcept override {
+        if (Hears(kTimeline)) Timeline::Instance()->AfterSearch(asked, iid, notes, isFound);
+        if (Hears(kReporter)) Reporter::Instance()->AfterSearch(asked, iid, notes, isFound);
+    }
+    void OnFactoryGaveNull(const LYRSysTSMetaClass& asked, const GUID& iid) noexcept override {
+        if (Hears(kReporter)) Reporter::Instance()->OnFactoryGaveNull(asked, iid);
+    }
+    void OnNoImplementation(lyr::Cause cause, const char* asked,
+                            const char* implementation) noexcept override {
+        if (Hears(kReporter)) {
+            Reporter::Instance()->OnNoImplementation(cause, asked, implementation);
+        }
+    }
+    void AfterCreation(Notes& notes, bool isMade) noexcept override {
+        if (Hears(kTimeline)) Timeline::Instance()->AfterCreation(notes, isMade);
+        if (isMade || !Hears(kReporter)) return;
+        const Asked& asked = notes.WhatIsAsked();
+        if (asked.clsid != nullptr) {
+            Reporter::Instance()->OnNotCreated(*asked.clsid, notes);
+        } else {
+            Reporter::Instance()->OnNotCreated(asked.className, notes);
+        }
+    }
+    void AfterFile(const FileReading& file) noexcept override {
+        if (Hears(kTimeline)) Timeline::Instance()->AfterFile(file);
+    }
+    void AfterScan(std::chrono::steady_clock::time_point begin) noexcept override {
+        if (Hears(kTimeline)) Timeline::Instance()->AfterScan(begin);
+    }
+    void BeforeLine(const char* path, int line, const char* const* words,
+                    int count) noexcept override {
+        if (Hears(kReporter)) Reporter::Instance()->BeforeLine(path, line, words, count);
+    }
+    void AfterLine() noexcept override {
+        if (Hears(kReporter)) Reporter::Instance()->AfterLine();
+    }
+    void OnContradiction(const Contradiction& contradiction) noexcept override {
+        if (Hears(kReporter)) Reporter::Instance()->OnContradiction(contradiction);
+    }
+};
+
+constinit Audience audience;
 
 void TellSum() {
     Reporter* const reporter = Reporter::Instance();
@@ -24,43 +79,59 @@ void TellSum() {
     if (!sum.empty()) reporter->Write(sum);
 }
 
-/// Has the reporter go by the words, or nobody listen.
+/// Has the reporter go by the words; whether it is to listen. Throws std::bad_alloc.
+bool SetReporter(const DebugWords& words) {
+    Reporter* const reporter = Reporter::Instance();
+    if (reporter == nullptr) return false;
+    reporter->Set(words);
+    static const int isRegistered = std::atexit(&TellSum);
+    static_cast<void>(isRegistered);
+    return words.explain;
+}
+
+/// The same of the timeline. One that nobody has asked for is not made.
+bool SetTimeline(const DebugWords& words) {
+    if (words.timeline.empty() && !Hears(kTimeline)) return false;
+    Timeline* const timeline = Timeline::Instance();
+    return timeline != nullptr && timeline->Set(words.timeline);
+}
+
+/// Has those listen whom the words ask for.
 void Listen(const char* words) noexcept {
-    const bool isSilent = words == nullptr || *words == '\0';
-    Reporter* const reporter = isSilent ? nullptr : Reporter::Instance();
-    if (reporter == nullptr) {
-        ear.store(Ear::kNone, std::memory_order_release);
-        return;
-    }
+    unsigned listening = kNone;
     try {
-        const DebugWords read = DebugWords::Of(words);
-        reporter->Set(read);
-        static const int isRegistered = std::atexit(&TellSum);
-        static_cast<void>(isRegistered);
-        ear.store(read.explain ? Ear::kReporter : Ear::kNone, std::memory_order_release);
+        const bool isSilent = words == nullptr || *words == '\0';
+        const DebugWords read = DebugWords::Of(isSilent ? "" : words);
+        if (SetTimeline(read)) listening |= kTimeline;
+        if (!isSilent && SetReporter(read)) listening |= kReporter;
     } catch (const std::bad_alloc&) {
-        ear.store(Ear::kNone, std::memory_order_release);
+        listening = kNone;
     }
+    ears.store(listening, std::memory_order_release);
 }
 
 void ListenToEnvironment() noexcept {
     {
         // Whoever comes while the words are looked at is not heard, nor this thread itself.
-        Ear unknown = Ear::kUnknown;
-        if (!ear.compare_exchange_strong(unknown, Ear::kNone)) return;
+        unsigned unknown = kUnknown;
+        if (!ears.compare_exchange_strong(unknown, kNone)) return;
     }
     if (const char* const words = ::secure_getenv("LYRDebug")) Listen(words);
+}
+
+bool IsReporting() {
+    return CurrentListener() != nullptr && Hears(kReporter);
 }
 
 }  // namespace
 
 Listener* CurrentListener() noexcept {
-    if (ear.load(std::memory_order_acquire) == Ear::kUnknown) ListenToEnvironment();
-    return ear.load(std::memory_order_acquire) == Ear::kReporter ? Reporter::Instance() : nullptr;
+    if (Hears(kUnknown)) ListenToEnvironment();
+    return ears.load(std::memory_order_acquire) != kNone ? &audience : nullptr;
 }
 
 bool RecallSteps(const std::string& className, const GUID& iid, bool isFound, Notes& notes) {
-    if (CurrentListener() == nullptr) return false;
+    if (!IsReporting()) return false;
     auto heard = Reporter::Instance()->StepsOf(className, iid);
     if (!heard) return false;
     const auto holds = [](const std::vector<Step>& steps, Cause cause) {
@@ -86,7 +157,7 @@ void SetDebug(const char* words) noexcept {
 }
 
 void Report(const Explanation& explanation) noexcept {
-    if (internal::CurrentListener() == nullptr) return;
+    if (!internal::IsReporting()) return;
     internal::Reporter::Instance()->OnRequired(explanation);
 }
 

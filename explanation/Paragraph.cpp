@@ -18,21 +18,6 @@ bool Holds(const std::vector<Step>& steps, std::initializer_list<Cause> causes) 
     });
 }
 
-std::size_t RootOf(const std::vector<Step>& steps) {
-    const bool isRemembered = Holds(steps, {Cause::kKnownAbsence});
-    std::size_t root = steps.size();
-    int weight = 0;
-    for (std::size_t i = 0; i < steps.size(); ++i) {
-        const CauseRow* const row = RowOf(steps[i].cause);
-        if (row == nullptr || row->weight <= weight) continue;
-        // It would be loaded by a request that looks, and none does any more.
-        if (isRemembered && steps[i].cause == Cause::kLibraryNotLoaded) continue;
-        weight = row->weight;
-        root = i;
-    }
-    return root;
-}
-
 bool NeedsFiles(const std::vector<Step>& steps) {
     return std::any_of(steps.begin(), steps.end(), [](const Step& step) {
         return step.cause == Cause::kEntryFound || IsAbsence(step);
@@ -135,6 +120,21 @@ const char* WhenOf(const Question& question) {
 }
 
 }  // namespace
+
+std::size_t RootOf(const std::vector<Step>& steps) {
+    const bool isRemembered = Holds(steps, {Cause::kKnownAbsence});
+    std::size_t root = steps.size();
+    int weight = 0;
+    for (std::size_t i = 0; i < steps.size(); ++i) {
+        const CauseRow* const row = RowOf(steps[i].cause);
+        if (row == nullptr || row->weight <= weight) continue;
+        // It would be loaded by a request that looks, and none does any more.
+        if (isRemembered && steps[i].cause == Cause::kLibraryNotLoaded) continue;
+        weight = row->weight;
+        root = i;
+    }
+    return root;
+}
 
 void Tell(const Question& question, Explanation& explanation) {
     const bool isYes = explanation.answer == Explanation::Answer::kYes;

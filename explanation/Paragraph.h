@@ -2,7 +2,9 @@
 
 #include "lyr/explain.h"
 
+#include <cstddef>
 #include <string>
+#include <vector>
 
 namespace lyr::internal {
 
@@ -20,6 +22,9 @@ struct Question {
     /// Whether the answer was given, and not only found out.
     bool isAnswered = false;
 };
+
+/// The step that decides; steps.size() for none.
+std::size_t RootOf(const std::vector<Step>& steps);
 
 /// Finds the step that decides and, for the steps that rest on a line of the dictionary files,
 /// where it stands now; and writes the paragraph. Throws std::bad_alloc.

@@ -2,6 +2,7 @@
 
 #include <cerrno>
 #include <fcntl.h>
+#include <sys/auxv.h>
 #include <sys/file.h>
 #include <unistd.h>
 
@@ -15,6 +16,10 @@ int OpenToAppend(const std::string& path) {
 
 }  // namespace
 
+bool ReportFile::IsAllowed() {
+    return ::getauxval(AT_SECURE) == 0;
+}
+
 ReportFile::~ReportFile() {
     Close();
 }
@@ -24,33 +29,44 @@ void ReportFile::Close() {
     _descriptor = -1;
 }
 
-bool ReportFile::Open(const std::string& path) {
+bool ReportFile::Open(const std::string& path, Head head) {
     _path = path;
+    _head = head;
     _process = ::getpid();
     _descriptor = OpenToAppend(path);
     if (!IsOpen()) return false;
     // The lock says that this process writes here; it goes with the process.
-    return ::flock(_descriptor, LOCK_EX | LOCK_NB) == 0 || OpenOwn();
+    return ::flock(_descriptor, LOCK_EX | LOCK_NB) == 0 ? Begin() : OpenOwn();
 }
 
 bool ReportFile::OpenOwn() {
     ::close(_descriptor);
     _process = ::getpid();
     _descriptor = OpenToAppend(_path + "." + std::to_string(_process));
-    return IsOpen();
+    return IsOpen() && Begin();
+}
+
+bool ReportFile::Begin() {
+    if (_head == nullptr) return true;
+    // A device or a pipe has nothing to cut off.
+    if (::ftruncate(_descriptor, 0) != 0 && errno != EINVAL) return false;
+    return WriteAll(_head());
 }
 
 bool ReportFile::Write(const std::string& text) {
-    if (IsOpen() && _process != ::getpid()) OpenOwn();
-    if (!IsOpen()) return false;
+    if (IsOpen() && _process != ::getpid() && !OpenOwn()) return false;
+    return IsOpen() && WriteAll(text);
+}
+
+bool ReportFile::WriteAll(const std::string& text) const {
     std::size_t written = 0;
     while (written < text.size()) {
         const ssize_t count = ::write(_descriptor, text.data() + written, text.size() - written);
         if (count < 0 && errno == EINTR) continue;
-        if (count <= 0) break;
+        if (count <= 0) return false;
         written += static_cast<std::size_t>(count);
     }
-    return written > 0;
+    return true;
 }
 
 }  // namespace lyr::internal

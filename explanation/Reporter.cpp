@@ -11,7 +11,6 @@
 #include <cerrno>
 #include <cstring>
 #include <new>
-#include <sys/auxv.h>
 
 namespace lyr::internal {
 
@@ -68,10 +67,8 @@ void Reporter::Set(const DebugWords& words) {
     {
         const std::lock_guard<std::mutex> guard(_mutex);
         _words = words;
-        // A program with rights that its user has not writes no file for him.
-        const bool mayWrite = ::getauxval(AT_SECURE) == 0;
         _file.Close();
-        if (mayWrite && !words.file.empty() && !_file.Open(words.file)) {
+        if (ReportFile::IsAllowed() && !words.file.empty() && !_file.Open(words.file)) {
             problems += "lyr: " + words.file + " cannot be written: " + std::strerror(errno) +
                         "; what it was for follows here\n";
         }

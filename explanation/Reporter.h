@@ -18,7 +18,7 @@ namespace lyr::internal {
 
 /// Tells what goes wrong in the process as LYRDebug asks for it: each thing once, and each cause
 /// once however many requests it hits. Any thread may call at any time.
-class Reporter final : public Listener {
+class Reporter {
 public:
     /// The reporter of the process, made when it is first asked for; null without memory. It lives
     /// as long as the process.
@@ -41,16 +41,15 @@ public:
     std::string Sum();
 
     void AfterSearch(const LYRSysTSMetaClass& asked, const GUID& iid, Notes& notes,
-                     bool isFound) noexcept override;
-    void OnFactoryGaveNull(const LYRSysTSMetaClass& asked, const GUID& iid) noexcept override;
+                     bool isFound) noexcept;
+    void OnFactoryGaveNull(const LYRSysTSMetaClass& asked, const GUID& iid) noexcept;
     void OnNoImplementation(lyr::Cause cause, const char* asked,
-                            const char* implementation) noexcept override;
-    void OnNotCreated(const char* className, Notes& notes) noexcept override;
-    void OnNotCreated(const GUID& clsid, Notes& notes) noexcept override;
-    void BeforeLine(const char* path, int line, const char* const* words,
-                    int count) noexcept override;
-    void AfterLine() noexcept override;
-    void OnContradiction(const Contradiction& contradiction) noexcept override;
+                            const char* implementation) noexcept;
+    void OnNotCreated(const char* className, Notes& notes) noexcept;
+    void OnNotCreated(const GUID& clsid, Notes& notes) noexcept;
+    void BeforeLine(const char* path, int line, const char* const* words, int count) noexcept;
+    void AfterLine() noexcept;
+    void OnContradiction(const Contradiction& contradiction) noexcept;
 
     /// Writes to the file of the report, or says it.
     void Write(const std::string& text);

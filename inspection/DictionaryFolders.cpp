@@ -62,7 +62,7 @@ std::vector<std::string> DictionaryFilesOf(const std::vector<std::string>& folde
         const auto [known, isNew] = firstOfFolder.try_emplace(Identity(folder), folder);
         if (!isNew) {
             findings.AddWarning({folder}, "the folder of dictionaries is named twice",
-                                "folder-twice", {{{known->second}, "first named so"}});
+                                "folder-twice", OneNote(known->second, "first named so"));
             continue;
         }
         for (const std::string& name : List(folder, findings)) {
@@ -76,7 +76,7 @@ std::vector<std::string> DictionaryFilesOf(const std::vector<std::string>& folde
             findings.AddWarning({path},
                                 "is not read: a file of its name in an earlier folder hides it; "
                                 "give one of them another name, unless it is meant",
-                                "hidden-file", {{{first->second}, "this one is read"}});
+                                "hidden-file", OneNote(first->second, "this one is read"));
         }
     }
     return files;

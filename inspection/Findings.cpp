@@ -29,6 +29,13 @@ void AppendFinding(std::string& lines, const Finding& finding, std::size_t notes
 
 }  // namespace
 
+std::vector<Note> OneNote(const std::string& file, const std::string& text) {
+    Note note;
+    note.place.file = file;
+    note.text = text;
+    return {note};
+}
+
 const char* WordFor(Severity severity) {
     constexpr const char* kWords[] = {"error", "warning", "note"};
     return kWords[static_cast<std::size_t>(severity)];

@@ -19,6 +19,9 @@ struct Note {
     std::string text;
 };
 
+/// The notes of a finding that has one other party, a file.
+std::vector<Note> OneNote(const std::string& file, const std::string& text);
+
 /// An error cannot work, a warning surprises, a remark cannot be known without loading.
 enum class Severity { Error, Warning, Remark };
 

@@ -39,7 +39,7 @@ void CheckIds(const std::vector<Manifest>& manifests, const DictionaryLines& lin
                               "the interface " + built.name + " has the id " + found->second->iid +
                                   " here, but a library was built with " + built.iid +
                                   "; make the dictionary files of that library again",
-                              "two-ids", {{{manifest.library.path}, "this library"}});
+                              "two-ids", OneNote(manifest.library.path, "this library"));
         }
     }
 }

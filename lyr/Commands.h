@@ -19,6 +19,7 @@ void AddGraph(CLI::App& program, Status& status);
 void AddList(CLI::App& program, Status& status);
 void AddManifest(CLI::App& program, Status& status);
 void AddShow(CLI::App& program, Status& status);
+void AddTimeline(CLI::App& program, Status& status);
 void AddWhy(CLI::App& program, Status& status);
 
 }  // namespace lyr::program

@@ -24,6 +24,7 @@ int Run(int count, char** words) {
     lyr::program::AddWhy(program, status);
     lyr::program::AddGraph(program, status);
     lyr::program::AddManifest(program, status);
+    lyr::program::AddTimeline(program, status);
     lyr::program::AddTrial(program);
     try {
         program.parse(count, words);

@@ -79,7 +79,7 @@ LYRSysTSInterfaceFactory LYRSysTSMetaClassImpl::QueryDerivationInterfaceFactory(
 SearchResult LYRSysTSMetaClassImpl::SearchHeard(const GUID& iid) {
     lyr::internal::Listener* const listener = lyr::internal::CurrentListener();
     if (listener == nullptr) return Search(iid, nullptr);
-    lyr::internal::Notes notes(lyr::internal::Notes::Mode::kRequest);
+    lyr::internal::Notes notes(lyr::internal::Notes::Mode::kRequest, {_className, &iid});
     const SearchResult found = Search(iid, &notes);
     listener->AfterSearch(*this, iid, notes, found.factory != nullptr);
     return found;

@@ -22,8 +22,8 @@ void* LYRSysTSCreateExternalObject(const char* name, const char* library, void* 
     if (name == nullptr) return nullptr;
     lyr::internal::Listener* const listener = lyr::internal::CurrentListener();
     if (listener == nullptr) return Create(name, library, argument, nullptr);
-    lyr::internal::Notes notes(lyr::internal::Notes::Mode::kRequest);
+    lyr::internal::Notes notes(lyr::internal::Notes::Mode::kRequest, {name});
     void* const object = Create(name, library, argument, &notes);
-    if (object == nullptr) listener->OnNotCreated(name, notes);
+    listener->AfterCreation(notes, object != nullptr);
     return object;
 }

@@ -21,8 +21,8 @@ HRESULT Create(const GUID& clsid, const GUID& iid, void** out, lyr::internal::No
 HRESULT LYRSysTSCreateInstance(const GUID& clsid, const GUID& iid, void** out) {
     lyr::internal::Listener* const listener = lyr::internal::CurrentListener();
     if (listener == nullptr) return Create(clsid, iid, out, nullptr);
-    lyr::internal::Notes notes(lyr::internal::Notes::Mode::kRequest);
+    lyr::internal::Notes notes(lyr::internal::Notes::Mode::kRequest, {nullptr, nullptr, &clsid});
     const HRESULT result = Create(clsid, iid, out, &notes);
-    if (result != S_OK) listener->OnNotCreated(clsid, notes);
+    listener->AfterCreation(notes, result == S_OK);
     return result;
 }

@@ -1,4 +1,5 @@
 #include "LYRSmartMutex.h"
+#include "LYRThrTimeListener.h"
 #include "OnlyThread.h"
 #include "Sleepers.h"
 
@@ -80,6 +81,26 @@ void Pause() {
     asm volatile("isb");
 #endif
 }
+
+/// A wait, which whoever listens hears of at its end if it was long.
+class Wait {
+public:
+    explicit Wait(const LYRMutex* mutex) : _mutex(mutex) {
+        if (_listener != nullptr) _begin = LYRThrTimeListener::Clock::now();
+    }
+    ~Wait() {
+        if (_listener == nullptr) return;
+        const auto time = LYRThrTimeListener::Clock::now() - _begin;
+        if (time >= LYRThrTimeListener::kLongWait) _listener->AfterWait(_mutex, _begin);
+    }
+    Wait(const Wait&) = delete;
+    Wait& operator=(const Wait&) = delete;
+
+private:
+    LYRThrTimeListener* const _listener = LYRThrTimeListener::Current();
+    const LYRMutex* const _mutex;
+    LYRThrTimeListener::Clock::time_point _begin = {};
+};
 
 void ThrowUnlessOneMoreNests(State state) {
     if ((state & kNested) != kNested) return;
@@ -166,6 +187,7 @@ void LYRMutex::LockF() LYR_NO_THREAD_SAFETY_ANALYSIS {
 
 /// Whether the lock is held now; it is not when there is none.
 bool LYRMutex::AcquireSlowly(State held) {
+    const Wait wait(this);
     const auto isHeld = [](State state) { return (state & kLock) != 0 && (state & kHolder) != 0; };
     for (;;) {
         for (int pauses = 1; pauses <= kMostPauses; pauses *= 2) {

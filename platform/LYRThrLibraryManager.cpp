@@ -2,11 +2,13 @@
 
 #include "Folders.h"
 #include "LYRThrLoadListener.h"
+#include "LYRThrTimeListener.h"
 #include "LibraryFiles.h"
 #include "LoadedLibraries.h"
 #include "Loads.h"
 
 #include <cerrno>
+#include <climits>
 #include <cstdio>
 #include <cstring>
 #include <dlfcn.h>
@@ -136,6 +138,43 @@ bool IsDefinedBy(void* handle, const void* address) {
            ::dladdr1(address, &info, &owner, RTLD_DL_LINKMAP) != 0 && owner == library;
 }
 
+/// The file that is loaded under a handle, with its path, cut off where that is too long.
+struct LoadedFile {
+    char path[PATH_MAX];
+
+    explicit LoadedFile(void* handle) {
+        link_map* library = nullptr;
+        const bool isKnown = ::dlinfo(handle, RTLD_DI_LINKMAP, &library) == 0;
+        Copy(isKnown ? library : nullptr);
+    }
+
+private:
+    /// By hand: whoever has a handle comes after what the loader has written here, by its lock, of
+    /// which the thread sanitizer does not know.
+    [[gnu::noinline]] __attribute__((no_sanitize("thread"))) void Copy(const link_map* library) {
+        std::size_t length = 0;
+        if (library != nullptr) {
+            const char* const name = library->l_name;
+            for (; name[length] != '\0' && length + 1 < sizeof path; ++length) {
+                path[length] = name[length];
+            }
+        }
+        path[length] = '\0';
+    }
+};
+
+/// Tells whoever listens of a load that is over.
+void TellOfLoad(const char* name, void* handle, const Failure& failure,
+                LYRThrLoadListener* listener, LYRThrTimeListener::Clock::time_point begin) {
+    LYRThrTimeListener* const timed = LYRThrTimeListener::Current();
+    if (timed == nullptr || (listener != nullptr && !listener->MayLoad())) return;
+    if (handle != nullptr) {
+        timed->AfterLoad(name, LoadedFile(handle).path, nullptr, listener, begin);
+    } else {
+        timed->AfterLoad(name, nullptr, failure.Text(), listener, begin);
+    }
+}
+
 }  // namespace
 
 void* LYRThrLibraryManager::LoadLibrary(const char* name) {
@@ -153,6 +192,7 @@ void* LYRThrLibraryManager::TryLoadLibrary(const char* name, bool& mayPass,
     }
     std::optional<lyr::internal::Loads::Running> running;
     if (listener == nullptr || listener->MayLoad()) running.emplace();
+    const auto begin = LYRThrTimeListener::Clock::now();
     Failure failure;
     void* handle = OpenFirst(lyr::internal::LibraryFiles(name), failure, listener);
     const lyr::internal::Folders::Folder* folder = lyr::internal::Folders::First();
@@ -160,6 +200,7 @@ void* LYRThrLibraryManager::TryLoadLibrary(const char* name, bool& mayPass,
          folder = folder->next.load(std::memory_order_acquire)) {
         handle = OpenFirst(lyr::internal::LibraryFiles(name, folder->path), failure, listener);
     }
+    TellOfLoad(name, handle, failure, listener, begin);
     if (handle != nullptr) {
         lyr::internal::LoadedLibraries::Keep(name, handle);
         return handle;

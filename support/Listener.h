@@ -3,6 +3,8 @@
 #include "GUID.h"
 #include "lyr/explain.h"
 
+#include <chrono>
+
 class LYRSysTSMetaClass;
 
 namespace lyr::internal {
@@ -20,9 +22,18 @@ struct Contradiction {
     const char* given = nullptr;
 };
 
+/// How a file of the dictionary was read.
+struct FileReading {
+    const char* path;
+    std::chrono::steady_clock::time_point begin;
+    int lines = 0;        ///< that its reader was given
+    int badLine = 0;      ///< the one that has ended the reading; 0 for none
+    bool isWhole = true;  ///< whether it was read to its end
+};
+
 /// Hears of each search and creation, of the dictionary files' lines and of what is refused, for
-/// those who look for a fault. Called in any thread, under the lock of the object that is asked and
-/// under no lock of the tables, unless it says so. It never throws.
+/// those who look for a fault or for lost time. Called in any thread, under the lock of the object
+/// that is asked and under no lock of the tables, unless it says so. It never throws.
 class Listener {
 public:
     /// A search has ended, for an interface that the class has not answered before.
@@ -37,9 +48,13 @@ public:
     virtual void OnNoImplementation(Cause cause, const char* asked,
                                     const char* implementation) noexcept = 0;
 
-    /// A creation, by name or by id, has given nothing.
-    virtual void OnNotCreated(const char* className, Notes& notes) noexcept = 0;
-    virtual void OnNotCreated(const GUID& clsid, Notes& notes) noexcept = 0;
+    /// A creation, by the name or the id that the notes tell, has ended.
+    virtual void AfterCreation(Notes& notes, bool isMade) noexcept = 0;
+
+    /// The dictionary files have been read, one of them or, from `begin` to now, all. Under the
+    /// dictionary's lock.
+    virtual void AfterFile(const FileReading& file) noexcept = 0;
+    virtual void AfterScan(std::chrono::steady_clock::time_point begin) noexcept = 0;
 
     /// This thread reads a line of a dictionary file, cut into words, or is through with it. Under
     /// the dictionary's lock.

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "GUID.h"
 #include "LYRThrLoadListener.h"
 #include "lyr/explain.h"
 
@@ -8,6 +9,16 @@
 #include <vector>
 
 namespace lyr::internal {
+
+/// What a search is for: an interface of a class, or an object of a class by its name or its id.
+/// Null for what is not given.
+struct Asked {
+    const char* className = nullptr;
+    const GUID* iid = nullptr;
+    const GUID* clsid = nullptr;
+
+    bool IsSomething() const { return className != nullptr || clsid != nullptr; }
+};
 
 /// What one search tells of its road, for somebody who wants to know. The search has a pointer to
 /// it, null as a rule. Used by one thread.
@@ -18,10 +29,14 @@ public:
         kExplain,     ///< of a search that nobody notices: it loads, reads and remembers nothing
         kExplainLoad  ///< the same, but it loads and reads
     };
-    explicit Notes(Mode mode) : _mode(mode) {}
+    /// `asked` names what lives as long as the notes, or nothing.
+    explicit Notes(Mode mode, const Asked& asked = {}) : _asked(asked), _mode(mode) {}
 
-    /// Since it was made.
+    using Clock = std::chrono::steady_clock;
+    Clock::time_point Start() const { return _start; }
     std::chrono::nanoseconds Age() const { return Clock::now() - _start; }
+
+    const Asked& WhatIsAsked() const { return _asked; }
 
     /// Whether the search may change what a later one sees.
     bool MayRemember() const { return _mode == Mode::kRequest; }
@@ -43,12 +58,11 @@ public:
     void OnMissingFunction(const char* symbol, bool isInDependency) noexcept override;
 
     std::vector<Step>& Steps() { return _steps; }
+    const std::vector<Step>& Steps() const { return _steps; }
     /// Whether steps are missing.
     bool IsShort() const { return _isShort; }
 
 private:
-    using Clock = std::chrono::steady_clock;
-
     /// What the library manager meets on its way to one library.
     struct Load {
         std::vector<std::string> files;
@@ -67,6 +81,7 @@ private:
     std::vector<Step> _steps;
     Load _load;
     const Clock::time_point _start = Clock::now();
+    const Asked _asked;
     const Mode _mode;
     bool _isShort = false;
 };

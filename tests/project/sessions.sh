@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # sessions.sh <document> <application> [--renew]: each "console" block of the document shows what its
 # command prints, in a copy of the application's folder, called /opt/notes, after what stands in the
-# comment before it. --renew writes that into the document.
+# comment before it, but for times and what comes with them: those are never the same twice. --renew
+# writes that into the document.
 set -euo pipefail
 document=$1 application=$2
 work=$(mktemp -d)
@@ -17,6 +18,11 @@ run() {
     cd - >/dev/null
 }
 
+# without_times <file>: the lengths of time, how many were longer than some length, and threads.
+without_times() {
+    sed -E 's/^ +[0-9]+( +[0-9.]+ ms)/ N\1/; s/ +[0-9]+\.[0-9]{3} ms/ N ms/g; s/(thread [^ ]+ )\([0-9]+\)/\1(N)/' "$1"
+}
+
 breaking='' count=0
 while IFS= read -r line; do
     if [[ $line =~ ^'<!-- session '(.*)' -->'$ ]]; then breaking=${BASH_REMATCH[1]}; fi
@@ -30,4 +36,4 @@ while IFS= read -r line; do
 done <"$document" >"$work/renewed"
 if [[ ${3-} == --renew ]]; then cp "$work/renewed" "$document"; fi
 ((count)) || { echo "$document has no sessions" >&2; exit 1; }
-diff -u "$document" "$work/renewed"
+diff -u <(without_times "$document") <(without_times "$work/renewed")
