@@ -27,6 +27,7 @@ configure_package_config_file(cmake/LYRComponentModelConfig.cmake.in
 write_basic_package_version_file(${PROJECT_BINARY_DIR}/LYRComponentModelConfigVersion.cmake
     COMPATIBILITY SameMajorVersion)
 install(FILES
+    cmake/LYRChecks.cmake
     cmake/LYRComponents.cmake
     cmake/LYRFolders.cpp.in
     ${PROJECT_BINARY_DIR}/LYRComponentModelConfig.cmake

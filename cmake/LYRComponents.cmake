@@ -11,12 +11,14 @@
 # libraries and dictionaries beside it by itself.
 #
 #   lyr_add_application(<name> SOURCES <source>... [COMPONENTS <library>...] [WITH_RUNTIME]
-#                       [NO_INSTALL])
+#                       [NO_CHECK] [NO_INSTALL])
 #
 # A program that finds the component libraries and their dictionaries by itself, in the build folder
 # and installed, wherever that tree is moved to. The build compares the COMPONENTS with each other,
-# and fails when two of them contradict. WITH_RUNTIME installs libLYRComponentModel and libLYRSysTS
-# with it.
+# and fails when two of them contradict. When all is built, `lyr check` goes over the dictionaries
+# and libraries that the program finds, again when one of them has changed, and the build fails with
+# its errors. NO_CHECK leaves that out: for dictionaries that name libraries which are not there
+# while the project is built. WITH_RUNTIME installs libLYRComponentModel and libLYRSysTS with it.
 #
 #   lyr_test_environment(<test or target>)
 #
@@ -31,7 +33,10 @@
 #                              "dictionary" there; below the prefix, <lib>/<name of the top project>
 #   LYR_PROGRAM                the program `lyr` to use, where that of the package cannot run or is
 #                              missing: in a cross build one of the machine that builds
+#
+# A test that looks at dictionaries: LYRChecks.cmake.
 cmake_policy(VERSION 3.25)
+include(${CMAKE_CURRENT_LIST_DIR}/LYRChecks.cmake)
 
 function(lyr_add_component_library name)
     cmake_parse_arguments(PARSE_ARGV 1 ARG "BASE;PLUGIN;NO_INSTALL" "" "SOURCES;DICTIONARIES")
@@ -45,11 +50,8 @@ function(lyr_add_component_library name)
     endif()
     add_library(${name} ${type} ${ARG_SOURCES})
     _lyr_set_up(${name})
-    set(handWritten)
-    foreach(file IN LISTS ARG_DICTIONARIES)
-        cmake_path(ABSOLUTE_PATH file BASE_DIRECTORY ${CMAKE_CURRENT_SOURCE_DIR} NORMALIZE)
-        list(APPEND handWritten ${file})
-    endforeach()
+    set(handWritten ${ARG_DICTIONARIES})
+    _lyr_make_absolute(handWritten)
     if(ARG_PLUGIN)
         _lyr_name_folders(${name} ${components} ${components})
     endif()
@@ -60,6 +62,8 @@ function(lyr_add_component_library name)
     set_target_properties(${name} PROPERTIES
         INSTALL_RPATH "$ORIGIN;$ORIGIN/${componentsToLib}"
         LYR_FOLDER ${components}
+        LYR_OUTPUT_FOLDER ${output}/${components}
+        LYR_DICTIONARIES "${files}"
         LYR_HAND_WRITTEN "${handWritten}")
     set_property(GLOBAL APPEND PROPERTY LYR_TARGETS ${name})
 
@@ -76,8 +80,10 @@ function(lyr_add_component_library name)
 endfunction()
 
 function(lyr_add_application name)
-    cmake_parse_arguments(PARSE_ARGV 1 ARG "WITH_RUNTIME;NO_INSTALL" "" "SOURCES;COMPONENTS")
-    _lyr_check_call(lyr_add_application ${name} "SOURCES, COMPONENTS, WITH_RUNTIME, NO_INSTALL")
+    cmake_parse_arguments(PARSE_ARGV 1 ARG "WITH_RUNTIME;NO_CHECK;NO_INSTALL" ""
+        "SOURCES;COMPONENTS")
+    _lyr_check_call(lyr_add_application ${name}
+        "SOURCES, COMPONENTS, WITH_RUNTIME, NO_CHECK, NO_INSTALL")
     _lyr_check_components(lyr_add_application ${name})
     _lyr_find_folders()
     add_executable(${name} ${ARG_SOURCES})
@@ -102,6 +108,14 @@ function(lyr_add_application name)
             THEN COMMAND ${CMAKE_COMMAND} -E touch ${checked})
         list(TRANSFORM ARG_COMPONENTS APPEND _dictionaries OUTPUT_VARIABLE dictionaries)
         add_dependencies(${name} ${name}_components ${dictionaries})
+    endif()
+    list(APPEND folders ${components})
+    list(REMOVE_DUPLICATES folders)
+    list(TRANSFORM folders PREPEND ${output}/)
+    set_target_properties(${name} PROPERTIES
+        LYR_SEARCHED "${folders}" LYR_COMPONENTS "${ARG_COMPONENTS}")
+    if(ARG_COMPONENTS AND NOT ARG_NO_CHECK)
+        _lyr_add_check_of_found(${name})
     endif()
 
     if(NOT ARG_NO_INSTALL)
@@ -139,13 +153,18 @@ endfunction()
 
 # What follows is for the functions above alone.
 
-# That the caller's arguments are known and that the target can work at all.
-macro(_lyr_check_call function name known)
+# That the caller's arguments are known.
+macro(_lyr_check_arguments function name known)
     if(ARG_UNPARSED_ARGUMENTS)
         list(GET ARG_UNPARSED_ARGUMENTS 0 unknown)
         message(FATAL_ERROR "${function}(${name}): \"${unknown}\" is no argument of it; "
             "it takes ${known}")
     endif()
+endmacro()
+
+# That they are, and that the target can work at all.
+macro(_lyr_check_call function name known)
+    _lyr_check_arguments(${function} ${name} "${known}")
     if(NOT ARG_SOURCES)
         message(FATAL_ERROR "${function}(${name}): name its SOURCES")
     endif()
@@ -210,6 +229,20 @@ function(_lyr_set_up target)
         C_VISIBILITY_PRESET hidden CXX_VISIBILITY_PRESET hidden VISIBILITY_INLINES_HIDDEN ON)
 endfunction()
 
+# Makes the paths in the lists of these names absolute; what a generator expression gives is.
+function(_lyr_make_absolute)
+    foreach(list IN LISTS ARGN)
+        set(paths)
+        foreach(path IN LISTS ${list})
+            if(NOT path MATCHES "^\\$<")
+                cmake_path(ABSOLUTE_PATH path BASE_DIRECTORY ${CMAKE_CURRENT_SOURCE_DIR} NORMALIZE)
+            endif()
+            list(APPEND paths "${path}")
+        endforeach()
+        set(${list} "${paths}" PARENT_SCOPE)
+    endforeach()
+endfunction()
+
 # Builds the target in the folder, in every configuration, whatever the project sets for others.
 function(_lyr_build_in target kind folder)
     set_property(TARGET ${target} PROPERTY ${kind}_OUTPUT_DIRECTORY ${folder})
@@ -247,6 +280,7 @@ function(_lyr_finish)
     get_property(targets GLOBAL PROPERTY LYR_TARGETS)
     foreach(target IN LISTS targets)
         _lyr_lead_to_linked(${target})
+        _lyr_name_found(${target})
     endforeach()
 endfunction()
 
@@ -280,63 +314,6 @@ function(_lyr_remove_old_dictionaries)
         endif()
     endforeach()
     set(LYR_DICTIONARIES "${files}" CACHE INTERNAL "The dictionary files that the build writes")
-endfunction()
-
-# A target that has `lyr manifest` look at libraries and what is written by hand for them, again
-# when any of it has changed, or which they are, or `lyr`, and after each failure.
-function(_lyr_add_check target)
-    cmake_parse_arguments(PARSE_ARGV 1 ARG "ALL" "COMMENT" "OUTPUT;ARGUMENTS;LIBRARIES;THEN")
-    set(paths)
-    set(handWritten)
-    foreach(library IN LISTS ARG_LIBRARIES)
-        list(APPEND paths $<TARGET_FILE:${library}>)
-        get_target_property(files ${library} LYR_HAND_WRITTEN)
-        if(files)
-            list(APPEND handWritten ${files})
-        endif()
-    endforeach()
-    set(arguments ${ARG_ARGUMENTS})
-    if(handWritten)
-        list(APPEND arguments --with ${handWritten})
-    endif()
-    _lyr_find_program(program)
-    set(all)
-    if(ARG_ALL)
-        set(all ALL)
-    endif()
-    add_custom_command(OUTPUT ${ARG_OUTPUT}
-        COMMAND ${program} manifest ${paths} ${arguments}
-        ${ARG_THEN}
-        DEPENDS ${ARG_LIBRARIES} ${handWritten} ${program}
-        COMMENT ${ARG_COMMENT} VERBATIM)
-    add_custom_target(${target} ${all} DEPENDS ${ARG_OUTPUT})
-endfunction()
-
-# The program `lyr`: the one asked for, or that of this package if it runs here, or one of this
-# machine.
-function(_lyr_find_program result)
-    if(NOT LYR_PROGRAM AND TARGET LYR::lyr AND NOT CMAKE_CROSSCOMPILING)
-        set(${result} $<TARGET_FILE:LYR::lyr> PARENT_SCOPE)
-        return()
-    endif()
-    # In PATH alone: the other places may be those of the machine that it is built for.
-    find_program(LYR_PROGRAM lyr
-        DOC "The program lyr, of the machine that builds"
-        NO_PACKAGE_ROOT_PATH NO_CMAKE_PATH NO_CMAKE_ENVIRONMENT_PATH NO_CMAKE_SYSTEM_PATH
-        NO_CMAKE_FIND_ROOT_PATH)
-    if(NOT LYR_PROGRAM)
-        set(why "the package was built without it, for want of libelf or CLI11")
-        if(CMAKE_CROSSCOMPILING)
-            set(why "this is a cross build, which needs one of the machine that builds")
-        endif()
-        message(FATAL_ERROR "The program lyr, which makes the dictionary files, is missing: ${why}. "
-            "Install it, or name it: -D LYR_PROGRAM=<path>")
-    endif()
-    if(NOT EXISTS "${LYR_PROGRAM}")
-        message(FATAL_ERROR "LYR_PROGRAM names \"${LYR_PROGRAM}\", which is not there; "
-            "it is the path of the program lyr")
-    endif()
-    set(${result} ${LYR_PROGRAM} PARENT_SCOPE)
 endfunction()
 
 function(_lyr_install_runtime folder)

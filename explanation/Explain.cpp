@@ -10,6 +10,7 @@
 #include "object/Creation.h"
 #include "support/Notes.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <mutex>
 #include <new>
@@ -32,22 +33,25 @@ void EnsureFiles(Loading loading) {
     if (loading == Loading::kYes) internal::EnsureDictionaryFilesAreRead();
 }
 
-/// The client's name for the interface may be known, with another id.
+/// The client's name for the interface may be known, with another id: that comes before all that
+/// the search has met.
 void NoteAnotherId(const GUID& iid, const char* interfaceName, Notes& notes) {
     const GUID* const known = LYRSysTSDicoIIDName::QueryDicoIIDNameByName(interfaceName);
     if (known == nullptr || *known == iid) return;
     notes.Add(Cause::kNameOfAnotherId, nullptr, interfaceName, nullptr,
               internal::InBraces(*known).c_str());
+    std::vector<Step>& steps = notes.Steps();
+    if (!notes.IsShort()) std::rotate(steps.begin(), steps.end() - 1, steps.end());
 }
 
 Explanation ExplainOf(LYRSysTSMetaClass& metaObject, const GUID& iid, const char* interfaceName,
                       Loading loading) {
     Notes notes(ModeOf(loading));
     EnsureFiles(loading);
-    NoteAnotherId(iid, interfaceName, notes);
     const bool isFound = internal::ExplainedSearch::Run(metaObject, iid, notes);
     internal::Question question = QuestionOf(metaObject.IsA(), &iid, interfaceName);
     question.isOfRequest = internal::RecallSteps(question.className, iid, isFound, notes);
+    NoteAnotherId(iid, interfaceName, notes);
     return Conclude(question, notes, isFound && !question.isOfRequest);
 }
 

@@ -6,7 +6,6 @@
 #include <algorithm>
 #include <atomic>
 #include <cstdlib>
-#include <iterator>
 #include <new>
 
 namespace lyr {
@@ -141,8 +140,6 @@ bool RecallSteps(const std::string& className, const GUID& iid, bool isFound, No
     const bool isOfFactory = holds(*heard, Cause::kFactoryGaveNull);
     const bool isRemembered = holds(notes.Steps(), Cause::kKnownAbsence);
     if (isFound ? !isOfFactory : isOfFactory || !isRemembered) return false;
-    const auto isOfToday = [](const Step& step) { return step.cause == Cause::kNameOfAnotherId; };
-    std::copy_if(notes.Steps().begin(), notes.Steps().end(), std::back_inserter(*heard), isOfToday);
     notes.Steps() = std::move(*heard);
     if (isRemembered) notes.Add(Cause::kKnownAbsence, className.c_str(), nullptr);
     return true;

@@ -81,14 +81,18 @@ GetClassObject FindGetClassObject(const GUID& clsid, Notes* notes) {
                        : KnownClass(clsid);
     const char* const className = record != nullptr ? record->className : nullptr;
     NoteFiles(className, notes);
-    if (record == nullptr || record->library == nullptr) {
-        const Cause cause = record == nullptr ? Cause::kUnknownClassId : Cause::kNoLibrary;
-        if (notes != nullptr) notes->Add(cause, className, nullptr);
+    const char* const library = record != nullptr ? record->library : nullptr;
+    if (notes != nullptr) {
+        const Cause cause = record != nullptr ? Cause::kEntryFound : Cause::kUnknownClassId;
+        notes->Add(cause, className, nullptr, library);
+    }
+    if (library == nullptr) {
+        if (record != nullptr && notes != nullptr) {
+            notes->Add(Cause::kNoLibrary, className, nullptr);
+        }
         return nullptr;
     }
-    if (notes != nullptr) notes->Add(Cause::kEntryFound, className, nullptr, record->library);
-    return ToFunction<GetClassObject>(
-        FindFunction(record->library, kGetClassObject, className, notes));
+    return ToFunction<GetClassObject>(FindFunction(library, kGetClassObject, className, notes));
 }
 
 }  // namespace lyr::internal

@@ -23,14 +23,6 @@ class ExplainCase : public testing::TestWithParam<Case> {};
 
 // LyrTestParts: tests/metaclass/Parts.cpp.
 constexpr Case kCases[] = {
-    {"no_line", "Other I1 LyrTestParts\n", "NoEntry", "another class"},
-    {"class_misspelt", "Gagdet I1 LyrTestParts\n", "NoEntry", "the class is written Gagdet"},
-    {"class_in_small_letters", "gadget I1 LyrTestParts\n", "NoEntry",
-     "gadget: capitals and underscores count"},
-    {"library_not_there", "Gadget I1 LyrNoSuchLibrary\n", "LibraryNotFound",
-     "libLyrNoSuchLibrary.so"},
-    {"library_is_text", "Gadget I1 ./text.so\n", "LibraryNotFound", "./text.so"},
-    {"function_missing", "Gadget I1 LyrTestHook\n", "NoFunction", "LYRSysTSCreateI1Gadget"},
     {"leaf_unknown", "Gadget I1 LyrTestParts ITFLEAF ILost\n", "UnknownLeaf", "ILost"},
     {"leaf_not_derived", "Gadget I1 LyrTestParts ITFLEAF IStranger\n", "LeafNotDerived",
      "IStranger is not derived from I1"},

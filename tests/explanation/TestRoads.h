@@ -40,15 +40,20 @@ inline bool Has(const std::string& text, const std::string& part) {
     return text.find(part) != std::string::npos;
 }
 
+/// The lines that call the ids Iid(0) to Iid(9) I0 to I9.
+inline std::string NamesOfIds() {
+    std::string lines;
+    for (char i = '0'; i <= '9'; ++i) {
+        lines += std::string("{A000000") + i + "-0000-0000-0000-000000000000} I" + i + "\n";
+    }
+    return lines;
+}
+
 /// Dictionary files of their own, in use: a name for each of the ids Iid(0) to Iid(9), "I0" to
 /// "I9", and the lines of a.dicts.
 struct Files : TempDirectory {
     explicit Files(const std::string& pairs) {
-        std::string ids;
-        for (char i = '0'; i <= '9'; ++i) {
-            ids += std::string("{A000000") + i + "-0000-0000-0000-000000000000} I" + i + "\n";
-        }
-        Write("a.iidts", ids);
+        Write("a.iidts", NamesOfIds());
         Write("a.dicts", pairs);
         UseDictionaryPath(path);
     }

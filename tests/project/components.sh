@@ -43,6 +43,7 @@ breaks() {
     refuses "$1" cmake --build "$build"
 }
 
+: >"$source/baseline"
 configure -DCMAKE_BUILD_TYPE=Release
 builds "Writing the dictionary files of Greeter"
 ctest --test-dir "$build" --output-on-failure
@@ -76,8 +77,32 @@ breaks "\"Greeter CreateInterface libGreeter\" contradicts \"Greeter CreateInter
 cp "$work/good" "$source/Lamp.cpp"
 builds "Comparing the component libraries of greet"
 
+# What only the whole program meets: once all is built, and in the tests.
+cp "$source/dictionary/greeting.dicts" "$work/good"
+echo "Greeter IDesk libGone" >>"$source/dictionary/greeting.dicts"
+wrong="$dictionaries/libGreeter.dicts:3: error: \"Greeter IDesk libGone\" needs a library that is not found"
+breaks "$wrong"
+sed -i 's/Lamp WITH_RUNTIME/Lamp NO_CHECK WITH_RUNTIME/; s/^\(.*linked.*COMPONENTS.*\))/\1 NO_CHECK)/' \
+    "$source/CMakeLists.txt"
+builds
+refuses "$wrong" ctest --test-dir "$build" --output-on-failure -R of_greet
+of_folder() { ctest --test-dir "$build" --output-on-failure -R of_folder; }
+refuses "/dictionary/greeting.dicts:4: error" of_folder
+"$prefix/bin/lyr" check -d "$source/dictionary" -l "$build/lib/Greeting" -p "$build/bin/others" \
+    --write-baseline "$source/baseline" >/dev/null || true
+of_folder
+cp "$work/good" "$source/dictionary/greeting.dicts"
+cp "$here/components/CMakeLists.txt" "$source/CMakeLists.txt"
+builds "Checking what greet finds"
+builds
+! grep -qF "Checking" "$work/log" || fail "what greet finds is checked again for no reason"
+ctest --test-dir "$build" --output-on-failure -R of_
+
 # Programs read all dictionaries that lie there.
-echo 'lyr_add_component_library(Old SOURCES Lamp.cpp)' >>"$source/CMakeLists.txt"
+echo 'lyr_add_component_library(Old SOURCES Old.cpp)' >>"$source/CMakeLists.txt"
+cp "$source/Lamp.cpp" "$source/Old.cpp"
+breaks "libOld.dicts:2: error: \"Lamp CreateInterface libOld\" contradicts"
+sed -i 's/Lamp/Old/g' "$source/Old.cpp"
 builds "Writing the dictionary files of Old"
 sed -i 's/(Old/(Unbuilt/' "$source/CMakeLists.txt"
 configure
@@ -147,6 +172,8 @@ refuses "LYR_PROGRAM names \"/none/lyr\", which is not there" \
     cmake -S "$source" -B "$work/cross" "${common[@]}" "${cross[@]}" -DLYR_PROGRAM=/none/lyr
 cmake -S "$source" -B "$work/cross" "${common[@]}" "${cross[@]}" "-DLYR_PROGRAM=$prefix/bin/lyr"
 cmake --build "$work/cross"
+[[ $(ctest --test-dir "$work/cross" -R of_) == *of_greet*"Not Run (Disabled)"* ]] ||
+    fail "libraries of the machine that builds are taken for those of another"
 refuses "say -static, and a static program can't load component libraries" \
     configure -DCMAKE_EXE_LINKER_FLAGS=-static
 refuses "BUILD_SHARED_LIBS is off, and the component model is not built as static libraries" \
@@ -165,6 +192,8 @@ refuses_call 'lyr_add_application(new): Lmap is no component library; add it bef
 refuses_call '/elsewhere/lib is not below CMAKE_INSTALL_PREFIX' \
     'set(LYR_COMPONENT_INSTALL_DIR /elsewhere/lib)
      lyr_add_application(new SOURCES main.cpp)'
+refuses_call 'lyr_add_dictionary_check(new): name its DICTIONARIES, or as its PROGRAM' \
+    'lyr_add_dictionary_check(new PROGRAM others)'
 refuses_call 'lyr_test_environment(none): this directory has no test of that name' \
     'lyr_test_environment(none)'
 refuses_call 'no target in which gtest_discover_tests(new), above, finds tests' \
