@@ -19,12 +19,13 @@ void AddNear(Name nearField, const std::string& name, Name sameField, const std:
     for (const PairLine& line : lines) {
         if (line.*sameField == same) names.push_back(line.*nearField);
     }
-    const std::string what = nearField == &PairLine::className ? "the class" : "the interface";
+    const std::string isWritten =
+        nearField == &PairLine::className ? "the class is written " : "the interface is written ";
     for (const std::string& other : NearNames(name, names)) {
         const auto line = std::find_if(lines.begin(), lines.end(), [&](const PairLine& one) {
             return one.*nearField == other && one.*sameField == same;
         });
-        near.push_back({&*line, what + " is written " + other});
+        near.push_back({&*line, isWritten + other});
     }
 }
 

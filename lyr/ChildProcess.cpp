@@ -89,7 +89,7 @@ std::vector<std::string> EnvironmentOf(const ChildTask& task) {
         if (!isReplaced) all.emplace_back(text);
     }
     for (const auto& [name, value] : task.environment) {
-        if (!value.empty()) all.push_back(name + "=" + value);
+        if (!value.empty()) all.emplace_back(name).append("=").append(value);
     }
     return all;
 }

@@ -1,17 +1,13 @@
 #include "lyr/LoadTrials.h"
 
-#include "inspection/Declarations.h"
 #include "inspection/EntryPoints.h"
 #include "inspection/LibraryCheck.h"
 #include "inspection/LibraryNames.h"
-#include "inspection/RecordCheck.h"
 #include "lyr/ChildProcess.h"
 #include "lyr/TrialRecords.h"
+#include "lyr/TrialResults.h"
 
 #include <algorithm>
-#include <cstring>
-#include <map>
-#include <set>
 #include <unordered_map>
 #include <vector>
 
@@ -21,17 +17,9 @@ namespace {
 
 using inspection::LoaderFile;
 using inspection::NamedLibrary;
-using inspection::Note;
 using inspection::PairLine;
 using inspection::Severity;
 using inspection::Survey;
-
-/// A library that is tried, with the lines that lead to its file, whatever they call it.
-struct Trial {
-    const NamedLibrary* library = nullptr;
-    std::vector<const PairLine*> pairs;
-    std::set<std::string> functions;
-};
 
 bool LacksNothing(const NamedLibrary& library, const Survey& survey) {
     if (library.file == nullptr || !inspection::WrongFile(library, survey.Search()).empty()) {
@@ -114,140 +102,6 @@ void RefuseImages(const SurveyOptions& places) {
     throw CLI::ValidationError("--load", "libraries of another image cannot be loaded here");
 }
 
-std::string SecondsText(double seconds) {
-    std::string text = std::to_string(seconds);
-    text.erase(text.find_last_not_of('0') + 1);
-    if (text.ends_with('.')) text.pop_back();
-    return text + (text == "1" ? " second" : " seconds");
-}
-
-/// How a child ended that has not done all, and a kind for it.
-std::pair<std::string, std::string> TextOf(const ChildEnd& end, const LoadOptions& options) {
-    switch (end.way) {
-        case ChildEnd::Way::TimeLimit:
-            return {"load-timeout", "is not done after " + SecondsText(options.seconds)};
-        case ChildEnd::Way::Signal:
-            return {"load-crash", "ends the process by signal " + std::to_string(end.code) + ", " +
-                                      ::strsignal(end.code)};
-        case ChildEnd::Way::Exit:
-            break;
-    }
-    return {"load-exit", "ends the process with status " + std::to_string(end.code)};
-}
-
-bool Holds(const std::vector<TrialRecord>& replies, const std::string& word) {
-    return std::any_of(replies.begin(), replies.end(),
-                       [&](const TrialRecord& reply) { return reply.front() == word; });
-}
-
-/// Adds what the trials have shown.
-class Results {
-public:
-    Results(const LoadOptions& options, Survey& survey)
-        : _options(options), _survey(survey), _declared(survey.Manifests()) {}
-
-    void Add(const Trial& trial, const ChildEnd& end) {
-        std::vector<TrialRecord> replies = RecordsOf(end.reply);
-        std::erase_if(replies, [](const TrialRecord& reply) { return reply.empty(); });
-        for (const TrialRecord& reply : replies) {
-            if (reply[0] == "refused" && reply.size() > 1) AddRefusal(trial, reply[1]);
-            if (reply[0] == "missing" && reply.size() > 1) AddMissing(trial, reply[1]);
-            if (reply.size() > 3) AddUnknown(trial, reply);
-        }
-        if (!Holds(replies, "end")) AddEnd(trial, end, Holds(replies, "loaded"));
-    }
-
-private:
-    inspection::Findings& Found() { return _survey.Found(); }
-
-    static std::string NameOf(const Trial& trial) {
-        return inspection::Shown(*trial.library->file);
-    }
-
-    /// What a library lacks that the program brings is no fault of its own.
-    void AddRefusal(const Trial& trial, const std::string& words) {
-        const bool isSymbol = words.find("undefined symbol") != std::string::npos;
-        const inspection::Place& place = trial.library->lines.front().place;
-        if (!isSymbol) {
-            Found().AddError(place, NameOf(trial) + " does not load: " + words, "load-refused",
-                             inspection::OtherLines(*trial.library));
-        } else if (trial.library->problems.empty()) {
-            Found().AddRemark(place,
-                              NameOf(trial) +
-                                  " loads only in the program, which brings what it "
-                                  "needs: " +
-                                  words,
-                              "load-refused");
-        }
-    }
-
-    /// What its file does not export either has been told.
-    void AddMissing(const Trial& trial, const std::string& symbol) {
-        for (const inspection::Manifest& manifest : _survey.Manifests()) {
-            const bool isIts = manifest.library.path == trial.library->file->pathHere;
-            if (!isIts || !manifest.library.exports.contains(symbol)) continue;
-            Found().AddError(trial.library->lines.front().place,
-                             "the loader does not find " + symbol + " in " + NameOf(trial) +
-                                 ", though its file exports it; link it anew",
-                             "no-entry-point");
-        }
-    }
-
-    void AddUnknown(const Trial& trial, const TrialRecord& reply) {
-        const std::string& name = reply[1];
-        const std::string& state = reply[3];
-        for (const PairLine* const line : trial.pairs) {
-            if (reply[0] == "extension" && line->extension == name && line->className == reply[2]) {
-                AddExtension(trial, *line, state);
-            }
-            const bool isOther = reply[0] == "leaf" && line->leaf == name && state == "other";
-            if (isOther && _told.insert(line).second) {
-                Found().AddError(line->place,
-                                 "the leaf interface " + name + " is not derived from " +
-                                     line->interfaceName +
-                                     "; correct the name behind ITFLEAF, or the base of " + name,
-                                 "leaf");
-            }
-        }
-    }
-
-    void AddExtension(const Trial& trial, const PairLine& line, const std::string& state) {
-        // What records say of an extension has been compared.
-        if (state == "extends" || _declared.Find(line.extension) != nullptr) return;
-        if (!_told.insert(&line).second) return;
-        std::string text = "the extension " + line.extension + " does not extend " +
-                           line.className + "; name the class in its source, or take the line out";
-        if (state == "absent") {
-            text = NameOf(trial) + " brings no meta-object of the extension " + line.extension +
-                   "; make it while the library loads, or correct the name behind EXTENDED_BY";
-        } else if (state == "class") {
-            text = line.extension +
-                   " is a class and no extension; take EXTENDED_BY out, or make "
-                   "it an extension";
-        }
-        Found().AddError(line.place, text, "extension");
-    }
-
-    void AddEnd(const Trial& trial, const ChildEnd& end, bool hasLoaded) {
-        const auto [kind, text] = TextOf(end, _options);
-        std::vector<Note> notes;
-        if (!end.lastLine.empty()) {
-            notes.push_back({{trial.library->file->path}, "its last line was: " + end.lastLine});
-        }
-        for (const Note& other : inspection::OtherLines(*trial.library)) notes.push_back(other);
-        Found().AddError(trial.library->lines.front().place,
-                         NameOf(trial) + " " + text +
-                             (hasLoaded ? " when it has been loaded" : " while it is loaded") +
-                             "; look at what it does when it is initialised",
-                         kind, notes);
-    }
-
-    const LoadOptions& _options;
-    Survey& _survey;
-    const inspection::Declarations _declared;
-    std::set<const PairLine*> _told;
-};
-
 }  // namespace
 
 void LoadOptions::AddTo(CLI::App& command) {
@@ -269,7 +123,7 @@ void TryLibraries(const SurveyOptions& places, const LoadOptions& options, Surve
         tasks.push_back(TaskOf(places, options, survey, InputOf(trial, ids)));
     }
     const std::vector<ChildEnd> ends = RunChildren(tasks);
-    Results results(options, survey);
+    TrialResults results(options.seconds, survey);
     for (std::size_t i = 0; i < trials.size(); ++i) results.Add(trials[i], ends[i]);
     survey.Found().Sort();
 }
@@ -299,7 +153,7 @@ TriedRequest TryRequest(const SurveyOptions& places, const LoadOptions& options,
         if (reply[1] == "no") tried.verdict = inspection::Verdict::No;
     }
     if (tried.text.empty()) {
-        tried.text = "a process that asks " + TextOf(end, options).second +
+        tried.text = "a process that asks " + WordsOf(end, options.seconds) +
                      (end.lastLine.empty() ? "" : "; its last line was: " + end.lastLine);
     }
     return tried;

@@ -75,7 +75,9 @@ std::string Ask(const Arguments& arguments, const inspection::Survey& survey, Re
                                     arguments.interfaceName);
     const std::string firstLine = tried.text.substr(0, tried.text.find('\n'));
     if (tried.verdict == Verdict::Unknown) {
-        road.steps.push_back({"loading", {}, firstLine});
+        inspection::RoadStep& step = road.steps.emplace_back();
+        step.about = "loading";
+        step.text = firstLine;
         return {};
     }
     if (tried.verdict != road.verdict) {

@@ -24,7 +24,7 @@ struct Wrong {
 
     const char* name = "";
     /// The code of libA, which is not there without; the lines of d/p.dicts; what else is made.
-    std::string code = "";
+    std::string code = {};
     const char* options = "";
     const char* pairs = "";
     void (*make)(const Shop&) = [](const Shop&) {};

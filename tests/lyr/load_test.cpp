@@ -34,7 +34,7 @@ bool Holds(const Outcome& outcome, const std::string& text) {
 
 TEST(Load, EachEndOfALibraryIsAFindingAndTheCheckGoesOn) {
     const Workshop shop;
-    BuildRunning(shop, "Aborts", "A", "puts(\"first\\nhalf a word\"); fflush(stdout); abort();");
+    BuildRunning(shop, "Aborts", "A", R"(puts("first\nhalf a word"); fflush(stdout); abort();)");
     BuildRunning(shop, "Ends", "B", "_exit(3);");
     BuildRunning(shop, "Hangs", "C", "for (;;) pause();");
     BuildRunning(shop, "Well", "D", "puts(\"not ours\");");
