@@ -86,8 +86,8 @@ TEST(Load, NothingStaysBehindAChild) {
 
 TEST(Load, WhatOnlyCodeTellsIsKnownThen) {
     const Workshop shop;
-    const std::string path = "-I'" LYR_INCLUDE_DIR "' -I'" LYR_INCLUDE_DIR
-                             "/../platform/include' " LYR_ASKER_LIBRARIES " -lstdc++ -lc";
+    const std::string path =
+        "-I'" LYR_INCLUDE_DIR "' -I'" LYR_INCLUDE_DIR "/../platform/include' " LYR_ASKER_LIBRARIES;
     shop.Build("libA.so", {}, {"LYRSysTSCreateIShapeLayer", "LYRSysTSCreateILeafCircle"},
                "#include \"LYRComponentModel.h\"\n"
                "__attribute__((constructor)) static void Run() {\n"
